@@ -1,0 +1,17 @@
+# Writes OUT: a C++ source that registers each of FILES as a resource source of the
+# module it is linked into (the stand-in's counterpart of the resource compiler).
+set(body "// Generated from resources/; do not edit.\n#include \"platform/winapi.h\"\n\n")
+set(registrations "")
+set(index 0)
+string(REPLACE "|" ";" FILES "${FILES}")
+foreach(f ${FILES})
+  file(READ ${f} hex HEX)
+  string(REGEX REPLACE "([0-9a-f][0-9a-f])" "'\\\\x\\1'," bytes "${hex}")
+  get_filename_component(name ${f} NAME)
+  string(APPEND body "static const char resource${index}[] = {${bytes}'\\0'};\n")
+  string(APPEND registrations "        RegisterModuleResource(resource${index}, \"${name}\", resource${index});\n")
+  math(EXPR index "${index} + 1")
+endforeach()
+string(APPEND body "\nnamespace {\nstruct ResourceRegistrar {\n    ResourceRegistrar()\n    {\n${registrations}    }\n} resourceRegistrar;\n}\n")
+file(WRITE ${OUT}.tmp "${body}")
+execute_process(COMMAND ${CMAKE_COMMAND} -E copy_if_different ${OUT}.tmp ${OUT})

@@ -1,0 +1,23 @@
+#!/usr/bin/env bash
+# Installs the Debian packages Praxa needs to build and test, when they are missing.
+# Run as root it installs them; otherwise it prints the apt-get line to run and fails.
+set -euo pipefail
+
+packages=(cmake g++ make pkg-config googletest libgtest-dev libbenchmark-dev
+          nlohmann-json3-dev liblapacke-dev libpugixml-dev)
+
+missing=()
+for p in "${packages[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+if [ "$(id -u)" -ne 0 ]; then
+  echo "Praxa needs these Debian packages. Run as root:" >&2
+  echo "  apt-get update && apt-get install -y ${missing[*]}" >&2
+  exit 1
+fi
+echo "Installing: ${missing[*]}"
+export DEBIAN_FRONTEND=noninteractive
+apt-get update -q
+apt-get install -y -q "${missing[@]}"
