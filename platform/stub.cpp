@@ -40,8 +40,6 @@ UINT GetMenuState(HMENU, UINT, UINT) { return 0; }
 BOOL GetModuleHandleExA(DWORD, LPCSTR, HMODULE *m) { *m = nullptr; return 0; }
 DWORD GetPrivateProfileStringA(LPCSTR, LPCSTR, LPCSTR, LPSTR b, DWORD s, LPCSTR) { if (s) b[0] = 0; return 0; }
 BOOL WritePrivateProfileStringA(LPCSTR, LPCSTR, LPCSTR, LPCSTR) { return 0; }
-char *_gcvt(double v, int d, char *b) { std::sprintf(b, "%.*g", d, v); return b; }
-int _itoa_s(int v, char *b, size_t s, int) { std::snprintf(b, s, "%d", v); return 0; }
 void RegisterModuleResource(const void *, const char *, const char *) {}
 }
 namespace platform {

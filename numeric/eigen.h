@@ -1,0 +1,22 @@
+/*
+** numeric/eigen.h: all eigenvalues of a real square matrix (balancing, Hessenberg
+** reduction by elimination, shifted double-step QR).  Also the polynomial root
+** finder, through companion matrices.
+*/
+#ifndef PRAXA_EIGEN_H
+#define PRAXA_EIGEN_H
+
+#include <cstdint>
+
+#include "numeric/matrix.h"
+
+/* Eigenvalues of the top-left n x n block of a (a is not modified) into roots[0..n-1],
+** in deflation order, complex pairs adjacent with the negative imaginary part first.
+** n < 1: nothing is written. */
+void eigenValues(Complex *roots, const Matrix *a, int32_t n);
+void balanceMatrix(Matrix *a, int32_t n);
+void hessenbergReduce(Matrix *a, int32_t n);
+/* wr, wi: 1-based arrays of n + 1 doubles. Destroys a. */
+void eigenSolver(Matrix *a, int32_t n, double *wr, double *wi);
+
+#endif
