@@ -37,10 +37,23 @@ INT_PTR xferInfoDlg(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 INT_PTR poleZeroDlg(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 }
 
+/* The finite zeros of A (n x n), B (n x 1), C (1 x n), D (1 x 1) into zerosOut (room for n),
+** in the eigenvalue routine's order; numerator->coefficients (n + 2 doubles) receives the
+** monic N(s), ascending, zero-filled up to index n + 1, and numerator->count = zeros + 1.
+** An all-zero C is reported ("Zero C matrix ...") and gives no zeros, N(s) = 1. */
 void stateToZeros(Matrix *A, Matrix *B, Matrix *C, Matrix *D, Complex *zerosOut, Polynomial *numerator);
+/* The n eigenvalues of A into polesOut, those of modulus below 1e-6 set to exactly 0;
+** denominator->coefficients (n + 2 doubles) receives the monic D(s), ascending; count = n + 1. */
 void stateToPoles(Matrix *A, Complex *polesOut, Polynomial *denominator);
+/* K such that K N(s)/D(s) = C (sI - A)^-1 B + D, from one real test point s in [0, 1);
+** 0 when every test point lies within 0.1 of a real part of a pole or zero. */
 double xferGain(Matrix *A, Matrix *B, Matrix *C, Matrix *D, const Complex *poles,
                 const Complex *zeros, int32_t zeroCount, int32_t poleCount);
+/* The monic polynomial prod (s - roots[k]) into coefficientsOut[0..count] (ascending, real
+** parts); scratch holds count + 2 Complex.  count < 1 writes nothing. */
 void polyFromRoots(double *coefficientsOut, Complex *scratch, const Complex *roots, int32_t count);
+
+/* Runs the compensator design dialog on currentXfer (timeToFrequency, XFER_SHOW_COMPENSATOR). */
+void runCompensatorDesign(void);
 
 #endif
