@@ -1,0 +1,338 @@
+/*
+** tests/xfer/xfer_edge_test.cpp: zeros, poles, gain and coefficients of hand-derived
+** models: pure integrators, feed-through, first order, an uncancelled pole-zero pair
+** with a rounding residue, pole snapping, the gain's test points and its sign.
+*/
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <complex>
+#include <memory>
+#include <string>
+
+#include "hostapp/host_state.h"
+#include "platform/driver.h"
+#include "tests/xfer/model.h"
+#include "xfer/system_matrix.h"
+#include "xfer/xfer.h"
+
+using namespace xfertest;
+
+namespace {
+
+struct Result {
+    int32_t zeroCount = -1;
+    double gain = 0.0;
+    std::vector<double> numerator, denominator;
+    std::vector<Complex> zeros, poles;
+};
+
+/* zeros, poles and gain the way stateToXferFunc combines them, keeping the root lists. */
+Result transferFunctionOf(Model &m)
+{
+    Result r;
+    int32_t n = m.n;
+    r.numerator.assign(n + 2, -7.0);
+    r.denominator.assign(n + 2, -7.0);
+    r.zeros.assign(n + 3, Complex{-7.0, -7.0});
+    r.poles.assign(n + 3, Complex{-7.0, -7.0});
+    Polynomial num{n + 1, r.numerator.data()}, den{n + 1, r.denominator.data()};
+    stateToZeros(m.A, m.B, m.C, m.D, r.zeros.data(), &num);
+    stateToPoles(m.A, r.poles.data(), &den);
+    EXPECT_EQ(den.count, n + 1);
+    r.zeroCount = num.count - 1;
+    r.zeros.resize(r.zeroCount);
+    r.poles.resize(n);
+    r.gain = xferGain(m.A, m.B, m.C, m.D, r.poles.data(), r.zeros.data(), r.zeroCount, n);
+    return r;
+}
+
+std::complex<double> polynomialAt(const std::vector<double> &ascending, int degree, std::complex<double> s)
+{
+    std::complex<double> value = 0.0;
+    for (int i = degree; i >= 0; i--)
+        value = value * s + ascending[i];
+    return value;
+}
+
+class XferEdge : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        platform::resetWindowing();
+        hostapp::resetHost();
+    }
+    bool transcriptHas(const std::string &text)
+    {
+        for (const std::string &line : platform::transcript())
+            if (line.find(text) != std::string::npos)
+                return true;
+        return false;
+    }
+};
+
+}
+
+TEST_F(XferEdge, TripleIntegratorHasNoZerosAndUnitGain)
+{
+    std::unique_ptr<Model> m(controllableForm({1.0}, {0.0, 0.0, 0.0}));
+    Result r = transferFunctionOf(*m);
+    EXPECT_EQ(r.zeroCount, 0);
+    EXPECT_EQ(r.numerator, (std::vector<double>{1.0, 0.0, 0.0, 0.0, 0.0}));
+    for (int i = 0; i < 3; i++) {
+        EXPECT_EQ(r.poles[i].re, 0.0);
+        EXPECT_EQ(r.poles[i].im, 0.0);
+        EXPECT_EQ(r.denominator[i], 0.0) << i;
+    }
+    EXPECT_EQ(r.denominator[3], 1.0);
+    /* K = s0^3 * (1/s0^3) at the first usable test point. */
+    EXPECT_NEAR(r.gain, 1.0, 1e-12);
+}
+
+TEST_F(XferEdge, FeedThroughStopsTheReductionAtOnce)
+{
+    /* G = 1/(s^2 + 3s + 2) + 1 = (s^2 + 3s + 3)/(s^2 + 3s + 2). */
+    Model m(2, {0, 1, -2, -3}, {0, 1}, {1, 0}, 1.0);
+    Matrix *S = matrixFromRows(3, 3, {0, 0, 1, 1, -2, -3, 1, 1, 0});
+    std::vector<double> before(S->data, S->data + 9);
+    EXPECT_EQ(reduceSysMatrix(S, 2, 1e-270), 2);
+    EXPECT_EQ(std::vector<double>(S->data, S->data + 9), before);
+    gfree(S);
+
+    Result r = transferFunctionOf(m);
+    ASSERT_EQ(r.zeroCount, 2);
+    /* eigenvalues of A - b c / d = [0 1; -3 -3]: -1.5 -+ i sqrt(3)/2, negative part first */
+    EXPECT_NEAR(r.zeros[0].re, -1.5, 1e-12);
+    EXPECT_NEAR(r.zeros[0].im, -std::sqrt(3.0) / 2, 1e-12);
+    EXPECT_NEAR(r.zeros[1].re, -1.5, 1e-12);
+    EXPECT_NEAR(r.zeros[1].im, std::sqrt(3.0) / 2, 1e-12);
+    EXPECT_NEAR(r.numerator[0], 3.0, 1e-12);
+    EXPECT_NEAR(r.numerator[1], 3.0, 1e-12);
+    EXPECT_EQ(r.numerator[2], 1.0);
+    EXPECT_EQ(r.numerator[3], 0.0);
+    EXPECT_NEAR(r.gain, 1.0, 1e-12);
+}
+
+TEST_F(XferEdge, FirstOrderModelHasNoZeros)
+{
+    Model m(1, {-1}, {1}, {2}, 0.0);
+    Matrix *S = matrixFromRows(2, 2, {1, -1, 0, 2});
+    EXPECT_EQ(reduceSysMatrix(S, 1, 1e-270), 0);
+    gfree(S);
+    Result r = transferFunctionOf(m);
+    EXPECT_EQ(r.zeroCount, 0);
+    EXPECT_EQ(r.numerator[0], 1.0);
+    EXPECT_EQ(r.numerator[1], 0.0);
+    EXPECT_EQ(r.numerator[2], 0.0);
+    EXPECT_EQ(r.denominator[0], 1.0);
+    EXPECT_EQ(r.denominator[1], 1.0);
+}
+
+TEST_F(XferEdge, ReductionKeepsTheZerosOfAStrictlyProperModel)
+{
+    /* (s + 4)/(s^2 + 3s + 2): one pass leaves feed-through c b = 1, one zero at -4. */
+    std::unique_ptr<Model> m(controllableForm({4.0, 1.0}, {2.0, 3.0}));
+    Result r = transferFunctionOf(*m);
+    ASSERT_EQ(r.zeroCount, 1);
+    EXPECT_NEAR(r.zeros[0].re, -4.0, 1e-12);
+    EXPECT_EQ(r.zeros[0].im, 0.0);
+    EXPECT_NEAR(r.numerator[0], 4.0, 1e-12);
+    EXPECT_EQ(r.numerator[1], 1.0);
+    EXPECT_NEAR(r.gain, 1.0, 1e-12);
+}
+
+TEST_F(XferEdge, CoincidingPoleAndZeroAreNotCancelledAndTheResidueMakesAHugeZero)
+{
+    /* (s + 1)/((s + 1)(s + 2)(s + 3)) = (s + 1)/(s^3 + 6s^2 + 11s + 6) */
+    std::unique_ptr<Model> m(controllableForm({1.0, 1.0, 0.0}, {6.0, 11.0, 6.0}));
+
+    Matrix *S = matrixFromRows(4, 4, {0, 0, 1, 0, 0, 0, 0, 1, 1, -6, -11, -6, 0, 1, 1, 0});
+    ASSERT_EQ(reduceSysMatrix(S, 3, 1e-270), 2);
+    double residue = element(S, 2, 0);
+    EXPECT_NE(residue, 0.0);
+    EXPECT_LT(std::fabs(residue), 1e-15);
+    gfree(S);
+
+    Result r = transferFunctionOf(*m);
+    ASSERT_EQ(r.zeroCount, 2);
+    int small = std::fabs(r.zeros[0].re) < std::fabs(r.zeros[1].re) ? 0 : 1;
+    EXPECT_NEAR(r.zeros[small].re, -1.0, 1e-9);
+    EXPECT_GT(r.zeros[1 - small].re, 3.0e15);
+    EXPECT_LT(r.zeros[1 - small].re, 3.4e15);
+    EXPECT_GT(r.gain, -3.3e-16);
+    EXPECT_LT(r.gain, -2.9e-16);
+    bool poleAtMinusOne = false;
+    for (const Complex &p : r.poles)
+        poleAtMinusOne |= std::fabs(p.re + 1.0) < 1e-9;
+    EXPECT_TRUE(poleAtMinusOne);
+
+    /* K N(s)/D(s) still matches 1/((s + 2)(s + 3)) away from the huge zero. */
+    for (std::complex<double> s : {std::complex<double>(0.5, 0), {1.0, 0}, {0, 2.0}, {-0.5, 1.5}}) {
+        std::complex<double> factored =
+            r.gain * polynomialAt(r.numerator, 2, s) / polynomialAt(r.denominator, 3, s);
+        std::complex<double> exact = 1.0 / ((s + 2.0) * (s + 3.0));
+        EXPECT_LT(std::abs(factored - exact) / std::abs(exact), 1e-9) << s;
+    }
+}
+
+TEST_F(XferEdge, PolesNextToTheOriginAreSnappedButZerosAreNot)
+{
+    Model tiny(1, {9.9e-7}, {1}, {1}, 0.0);
+    Result r = transferFunctionOf(tiny);
+    EXPECT_EQ(r.poles[0].re, 0.0);
+    EXPECT_EQ(r.poles[0].im, 0.0);
+    EXPECT_EQ(r.denominator[0], 0.0);
+
+    Model pair(2, {0, 9.9e-7, -9.9e-7, 0}, {0, 1}, {1, 0}, 0.0);
+    r = transferFunctionOf(pair);
+    for (const Complex &p : r.poles) {
+        EXPECT_EQ(p.re, 0.0);
+        EXPECT_EQ(p.im, 0.0);
+    }
+
+    Model justOutside(1, {-1.01e-6}, {1}, {1}, 0.0);
+    r = transferFunctionOf(justOutside);
+    EXPECT_EQ(r.poles[0].re, -1.01e-6);
+
+    /* zero of A - b c / d = 0 - 9.9e-7 */
+    Model zero(1, {0}, {1}, {9.9e-7}, 1.0);
+    r = transferFunctionOf(zero);
+    ASSERT_EQ(r.zeroCount, 1);
+    EXPECT_EQ(r.zeros[0].re, -9.9e-7);
+    EXPECT_EQ(r.numerator[0], 9.9e-7);
+}
+
+TEST_F(XferEdge, TestPointsAreAccumulatedSumsOfTheStep)
+{
+    /* A model whose value is 1 everywhere; K = |s0 - p| for the one pole passed in,
+    ** which tells where the search evaluated. */
+    Model unit(1, {-5}, {0}, {1}, 1.0);
+    Complex originPole{0.0, 0.0};
+    double k = xferGain(unit.A, unit.B, unit.C, unit.D, &originPole, nullptr, 0, 1);
+    EXPECT_EQ(k, 0.10999999999999999);
+    EXPECT_NE(k, 0.11);
+
+    Complex nearPole{-0.05, 0.0};
+    k = xferGain(unit.A, unit.B, unit.C, unit.D, &nearPole, nullptr, 0, 1);
+    EXPECT_EQ(k, 0.05 + 0.05);
+
+    /* zeros count as well as poles */
+    Complex originZero{0.0, 0.0};
+    k = xferGain(unit.A, unit.B, unit.C, unit.D, nullptr, &originZero, 1, 0);
+    EXPECT_EQ(k, 1.0 / 0.10999999999999999);
+
+    /* an integrator: G = 1/s, K = s0 * (1/s0) */
+    Model integrator(1, {0}, {1}, {1}, 0.0);
+    Result r = transferFunctionOf(integrator);
+    EXPECT_NEAR(r.gain, 1.0, 1e-14);
+}
+
+TEST_F(XferEdge, NoUsableTestPointGivesZeroGain)
+{
+    /* real parts 0, 0.15, ..., 0.9 cover every test point in [0, 1) */
+    std::vector<double> a(49, 0.0);
+    for (int i = 0; i < 7; i++)
+        a[i * 7 + i] = 0.15 * i;
+    Model m(7, a, std::vector<double>(7, 1.0), std::vector<double>(7, 1.0), 0.0);
+    Result r = transferFunctionOf(m);
+    EXPECT_EQ(r.gain, 0.0);
+}
+
+TEST_F(XferEdge, GainCarriesTheSign)
+{
+    Model plus(1, {-1}, {1}, {2}, 0.0);
+    EXPECT_EQ(transferFunctionOf(plus).gain, 2.0);
+    Model minus(1, {-1}, {1}, {-2}, 0.0);
+    EXPECT_EQ(transferFunctionOf(minus).gain, -2.0);
+    /* an unstable pole at 3 makes the angle at s0 = 0 180 degrees: 2/(s - 3) */
+    Model unstable(1, {3}, {1}, {2}, 0.0);
+    EXPECT_NEAR(transferFunctionOf(unstable).gain, 2.0, 1e-14);
+    /* -(s - 2)/(s + 1): the zero at 2 gives -180 degrees */
+    Model rightZero(1, {-1}, {1}, {3}, -1.0);
+    Result r = transferFunctionOf(rightZero);
+    ASSERT_EQ(r.zeroCount, 1);
+    EXPECT_NEAR(r.zeros[0].re, 2.0, 1e-14);
+    EXPECT_NEAR(r.gain, -1.0, 1e-14);
+}
+
+TEST_F(XferEdge, ZeroOutputRowIsReportedAndGivesNoZeros)
+{
+    Model m(2, {0, 1, -2, -3}, {0, 1}, {0, 0}, 0.0);
+    Result r = transferFunctionOf(m);
+    EXPECT_TRUE(transcriptHas("Zero C matrix means no connection to output. Check for delay blocks."));
+    EXPECT_EQ(r.zeroCount, 0);
+    EXPECT_EQ(r.numerator, (std::vector<double>{1.0, 0.0, 0.0, 0.0}));
+    EXPECT_NEAR(r.denominator[0], 2.0, 1e-12);
+    EXPECT_NEAR(r.denominator[1], 3.0, 1e-12);
+    EXPECT_EQ(r.gain, 0.0);
+
+    platform::clearTranscript();
+    Model notANumber(2, {0, 1, -2, -3}, {0, 1}, {0, NAN}, 0.0);
+    transferFunctionOf(notANumber);
+    EXPECT_FALSE(transcriptHas("Zero C matrix"));
+}
+
+TEST_F(XferEdge, PolynomialFromRoots)
+{
+    Complex scratch[5];
+    double coefficients[4] = {9, 9, 9, 9};
+    Complex real[2] = {{-1, 0}, {2, 0}};
+    polyFromRoots(coefficients, scratch, real, 2);
+    EXPECT_EQ(std::vector<double>(coefficients, coefficients + 4), (std::vector<double>{-2, -1, 1, 9}));
+
+    Complex pair[2] = {{-1, -2}, {-1, 2}};
+    polyFromRoots(coefficients, scratch, pair, 2);
+    EXPECT_EQ(std::vector<double>(coefficients, coefficients + 3), (std::vector<double>{5, 2, 1}));
+
+    double untouched[2] = {9, 9};
+    polyFromRoots(untouched, scratch, pair, 0);
+    EXPECT_EQ(untouched[0], 9.0);
+}
+
+TEST_F(XferEdge, ExportedComputationHandsOverMonicArrays)
+{
+    std::unique_ptr<Model> m(controllableForm({4.0, 1.0}, {2.0, 3.0}));
+    double *numerator = nullptr, *denominator = nullptr, gain = 0.0;
+    EXPECT_EQ(stateToXferFunc(m->A, m->B, m->C, m->D, &numerator, &denominator, &gain), 1);
+    ASSERT_NE(numerator, nullptr);
+    ASSERT_NE(denominator, nullptr);
+    EXPECT_NEAR(numerator[0], 4.0, 1e-12);
+    EXPECT_EQ(numerator[1], 1.0);
+    EXPECT_EQ(numerator[2], 0.0);
+    EXPECT_EQ(numerator[3], 0.0);
+    EXPECT_NEAR(denominator[0], 2.0, 1e-12);
+    EXPECT_NEAR(denominator[1], 3.0, 1e-12);
+    EXPECT_EQ(denominator[2], 1.0);
+    EXPECT_NEAR(gain, 1.0, 1e-12);
+    gfree(numerator);
+    gfree(denominator);
+
+    gain = 0.0;
+    EXPECT_EQ(timeToFrequency(m->A, m->B, m->C, m->D, nullptr, nullptr, &gain, 0), 1);
+    EXPECT_NEAR(gain, 1.0, 1e-12);
+    EXPECT_NEAR(currentXfer.gain, 1.0, 1e-12);
+    EXPECT_EQ(currentXfer.zeroCount, 1);
+    EXPECT_EQ(currentXfer.poleCount, 2);
+    EXPECT_EQ(currentXfer.zeros, nullptr);
+    EXPECT_EQ(currentXfer.poles, nullptr);
+}
+
+TEST_F(XferEdge, EmptyOrMisfittingModelsAreNotComputed)
+{
+    Matrix *empty = matrixFromRows(0, 0, {});
+    double gain = 5.0;
+    double *numerator = (double *)&gain;
+    EXPECT_EQ(stateToXferFunc(empty, empty, empty, empty, &numerator, nullptr, &gain), 0);
+    EXPECT_EQ(gain, 5.0);
+    EXPECT_EQ(numerator, &gain);
+    EXPECT_EQ(timeToFrequency(empty, empty, empty, empty, nullptr, nullptr, &gain, 1), 0);
+    EXPECT_TRUE(platform::transcript().empty());
+    gfree(empty);
+
+    Model m(2, {0, 1, -2, -3}, {0, 1}, {1, 0}, 0.0);
+    Matrix *wrongB = matrixFromRows(3, 1, {0, 0, 1});
+    EXPECT_EQ(stateToXferFunc(m.A, wrongB, m.C, m.D, nullptr, nullptr, &gain), 0);
+    EXPECT_EQ(gain, 5.0);
+    EXPECT_TRUE(transcriptHas("do not fit together"));
+    gfree(wrongB);
+}
