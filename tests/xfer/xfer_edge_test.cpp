@@ -8,6 +8,7 @@
 #include <cmath>
 #include <complex>
 #include <memory>
+#include <numbers>
 #include <string>
 
 #include "hostapp/host_state.h"
@@ -253,6 +254,44 @@ TEST_F(XferEdge, GainCarriesTheSign)
     ASSERT_EQ(r.zeroCount, 1);
     EXPECT_NEAR(r.zeros[0].re, 2.0, 1e-14);
     EXPECT_NEAR(r.gain, -1.0, 1e-14);
+}
+
+/* Root lists handed in by a caller need not hold conjugate pairs, so the angle sum at
+** the test point can take any value; K is negated between 10 and 350 degrees. */
+TEST_F(XferEdge, GainSignFollowsTheAngleSumAtTheTestPoint)
+{
+    Model unit(1, {-5}, {0}, {1}, 1.0);
+    auto gainFor = [&](std::vector<Complex> poles) {
+        return xferGain(unit.A, unit.B, unit.C, unit.D, poles.data(), nullptr, 0, (int32_t)poles.size());
+    };
+    auto degrees = [](double d) { return std::tan(d * std::numbers::pi / 180.0); };
+    /* one pole at -1 - i tan(theta): angle -theta at s0 = 0 */
+    EXPECT_GT(gainFor({{-1, -degrees(5)}}), 0.0);
+    EXPECT_LT(gainFor({{-1, -degrees(15)}}), 0.0);
+    /* two poles at 1 - i tan(theta): angle -(360 - 2 theta) */
+    EXPECT_GT(gainFor({{1, -degrees(2)}, {1, -degrees(2)}}), 0.0);
+    EXPECT_LT(gainFor({{1, -degrees(10)}, {1, -degrees(10)}}), 0.0);
+    /* -356 - 30 = -386 degrees, brought back to -26 */
+    EXPECT_LT(gainFor({{1, -degrees(2)}, {1, -degrees(2)}, {-1, -degrees(30)}}), 0.0);
+    double k = gainFor({{-1, -1}});
+    EXPECT_DOUBLE_EQ(k, -std::sqrt(2.0));
+}
+
+TEST_F(XferEdge, LargeModelsAwayFromTheOriginKeepTheFactorRatio)
+{
+    /* value 2 everywhere; poles at 0 and one at 0.15 push the test point to 0.25 or beyond */
+    Model two(1, {-5}, {0}, {1}, 2.0);
+    double s0 = 0.0;
+    while (s0 < 0.1 || std::fabs(s0 - 0.15) < 0.1)
+        s0 += 0.01;
+    ASSERT_GE(s0, 0.25);
+    for (int poleCount : {9, 10}) {
+        std::vector<Complex> poles(poleCount - 1, Complex{0, 0});
+        poles.push_back(Complex{0.15, 0});
+        double ratio = std::pow(s0, poleCount - 1) * (s0 - 0.15);
+        double k = xferGain(two.A, two.B, two.C, two.D, poles.data(), nullptr, 0, poleCount);
+        EXPECT_NEAR(k, poleCount == 10 ? ratio : 2.0 * ratio, 1e-12 * ratio) << poleCount;
+    }
 }
 
 TEST_F(XferEdge, ZeroOutputRowIsReportedAndGivesNoZeros)
