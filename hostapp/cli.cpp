@@ -257,8 +257,11 @@ int parseArguments(int argc, char **argv, Session &session)
         }
     }
     /* The first word is the diagram unless it names a command and no such file exists. */
-    if (i < args.size() && (!findCommand(args[i]) || isFile(args[i])))
+    if (i < args.size() && (!findCommand(args[i]) || isFile(args[i]))) {
+        if (i + 1 == args.size() && session.scriptPath.empty() && !isFile(args[i]))
+            return unusable("unknown command '" + args[i] + "' (see praxa --help)");
         session.diagramPath = args[i++];
+    }
 
     for (const std::string &point : outputs)
         session.steps.push_back({CommandRun{}, point, "--output"});
