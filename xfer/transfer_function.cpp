@@ -3,7 +3,6 @@
 ** stateToXferFunc and timeToFrequency, and the module's current transfer function.
 */
 #include "host/host.h"
-#include "platform/winapi.h"
 #include "shell/praxa.h"
 #include "xfer/xfer.h"
 
@@ -80,11 +79,6 @@ int32_t stateToXferFunc(Matrix *A, Matrix *B, Matrix *C, Matrix *D,
     return numerator.count - 1;
 }
 
-static void runModalDialog(const char *templateName, DLGPROC procedure)
-{
-    DialogBoxParamA(moduleInstance, templateName, GetFocus(), procedure, 0);
-}
-
 /*
 ** Computes the transfer function of A, B, C, D (shapes as for stateToXferFunc) into
 ** currentXfer and shows the dialogs asked for: XFER_SHOW_INFO the transfer function and
@@ -117,8 +111,8 @@ int32_t timeToFrequency(Matrix *A, Matrix *B, Matrix *C, Matrix *D,
         *gainOut = currentXfer.gain;
 
     if (dialogs & XFER_SHOW_INFO) {
-        runModalDialog("TRANSFERINFO_BOX", xferInfoDlg);
-        runModalDialog("POLEZERO_BOX", poleZeroDlg);
+        runDialog("TRANSFERINFO_BOX", xferInfoDlg);
+        runDialog("POLEZERO_BOX", poleZeroDlg);
     }
     if (dialogs & XFER_SHOW_COMPENSATOR)
         runCompensatorDesign();
