@@ -23,16 +23,29 @@ struct TransferFunction {
     double *numerator;          /* monic, ascending, n + 2 entries */
     double *denominator;        /* monic, ascending, n + 2 entries */
 };
+/* The transfer function that timeToFrequency computed last.  Its zero and pole lists and
+** its coefficient arrays exist only while timeToFrequency runs (its dialogs read them) and
+** are null afterwards; gain, zeroCount and poleCount stay. */
 extern TransferFunction currentXfer;
 
 enum : uint8_t { XFER_SHOW_INFO = 1, XFER_SHOW_COMPENSATOR = 2 };
 
 extern "C" {
+/* Zeros, poles and gain of the model A (n x n), B (n x 1), C (1 x n), D (1 x 1).  The gain
+** goes to *gainOut (may be null).  With numeratorOut given, *numeratorOut and *denominatorOut
+** receive N(s) and D(s): monic, ascending powers of s, n + 2 doubles each, owned by the
+** caller (gfree); otherwise they are released.  Returns the number of zeros; an empty model
+** (A without rows) returns 0 and touches nothing, misfitting shapes are refused with a
+** message and return 0. */
 int32_t stateToXferFunc(Matrix *A, Matrix *B, Matrix *C, Matrix *D,
                         double **numeratorOut, double **denominatorOut, double *gainOut);
+/* As stateToXferFunc, computed into currentXfer, showing meanwhile the dialogs asked for:
+** XFER_SHOW_INFO the transfer function (TRANSFERINFO_BOX) and then its zeros and poles
+** (POLEZERO_BOX), XFER_SHOW_COMPENSATOR the compensator design. */
 int32_t timeToFrequency(Matrix *A, Matrix *B, Matrix *C, Matrix *D,
                         double **numeratorOut, double **denominatorOut, double *gainOut,
                         uint8_t dialogs);
+/* Dialog procedures of TRANSFERINFO_BOX and POLEZERO_BOX; they read currentXfer. */
 INT_PTR xferInfoDlg(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 INT_PTR poleZeroDlg(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 }
