@@ -7,6 +7,7 @@
 #ifndef PRAXA_PLATFORM_DRIVER_H
 #define PRAXA_PLATFORM_DRIVER_H
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,7 @@ enum class ActionKind {
     Uncheck,    /* check box set unchecked (click if checked) */
     Select,     /* list box entry `index` selected */
     Focus,      /* focus moved to the control */
+    Cancel,     /* the Esc key: WM_COMMAND IDCANCEL */
 };
 
 struct DialogAction {
@@ -45,8 +47,16 @@ std::string transcriptText();
 void clearTranscript();
 void transcriptNote(const std::string &line);
 
-/* The host's main window, with an empty menu bar. */
+/* Refusals and errors seen by the driver and the settings files. */
+int scriptErrorCount();
+int settingsWriteFailures();
+
+/* The host's main window, with its menu bar. */
 HWND createMainWindow(const char *title);
+/* Messages sent or posted to the main window go to this handler (the host's). */
+void setMainWindowHandler(std::function<LRESULT(UINT, WPARAM, LPARAM)> handler);
+/* Answer the next message box with this result instead of the default. */
+void queueMessageBoxAnswer(int answer);
 
 /* Resets the whole windowing state (tests). */
 void resetWindowing();

@@ -53,5 +53,9 @@ std::string transcriptText() { std::string t; for (auto &l : lines) t += l + "\n
 void clearTranscript() { lines.clear(); }
 void transcriptNote(const std::string &l) { lines.push_back(l); }
 HWND createMainWindow(const char *) { return nullptr; }
+int scriptErrorCount() { return 0; }
+int settingsWriteFailures() { return 0; }
+void setMainWindowHandler(std::function<LRESULT(UINT, WPARAM, LPARAM)>) {}
+void queueMessageBoxAnswer(int) {}
 void resetWindowing() { lines.clear(); }
 }
