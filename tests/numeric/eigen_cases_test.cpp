@@ -177,3 +177,13 @@ TEST_F(EigenCases, SolverReportsFoundRootsWhenGivingUp)
     EXPECT_EQ(linesWith("EigenSolver: over 20 iterations and only 1 roots"), 1);
     gfree(a);
 }
+
+TEST_F(EigenCases, WorkArraysHoldOrderPlusOneDoubles)
+{
+    Matrix *a = fromRows(4, 5, {1, 2, 0, 0, 0, 3, 4, 0, 0, 0, 0, 0, 5, 0, 0, 0, 0, 0, 6, 0});
+    Complex roots[3];
+    eigenValues(roots, a, 3);
+    EXPECT_EQ(hostapp::host().lastAllocationBytes, 8u * 4);     /* wi: n + 1 doubles */
+    EXPECT_DOUBLE_EQ(roots[0].re + roots[1].re + roots[2].re, 10.0);
+    gfree(a);
+}

@@ -77,6 +77,7 @@ TEST_F(SvdCases, PseudoInverseOfSingularDiagonal)
     EXPECT_EQ(el(a, 0, 1), 0.0);
     EXPECT_EQ(el(a, 1, 0), 0.0);
     EXPECT_EQ(el(a, 1, 1), 0.0);
+    EXPECT_EQ(hostapp::host().lastAllocationBytes, 24u + 8 * 4);  /* the product V a^T */
     EXPECT_EQ(platform::transcript().size(), 0u);
     gfree(a);
 }
