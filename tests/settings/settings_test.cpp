@@ -48,6 +48,7 @@ struct DialogView {
 DLGPROC spiedProcedure;
 std::vector<int> spiedControls;
 std::vector<DialogView> views;                  /* after WM_INITDIALOG, then after each command */
+int spyDepth;                                   /* messages sent from inside a message are not captured */
 
 DialogView capture(HWND dialog)
 {
@@ -70,8 +71,10 @@ DialogView capture(HWND dialog)
 
 INT_PTR spy(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
 {
+    ++spyDepth;
     INT_PTR result = spiedProcedure(dialog, message, wParam, lParam);
-    if (message == WM_INITDIALOG || message == WM_COMMAND)
+    --spyDepth;
+    if (spyDepth == 0 && (message == WM_INITDIALOG || message == WM_COMMAND))
         views.push_back(capture(dialog));
     return result;
 }
@@ -94,6 +97,7 @@ protected:
         numeratorZeroThreshold = numeratorThresholdAtLoad;
         denominatorZeroThreshold = denominatorThresholdAtLoad;
         views.clear();
+        spyDepth = 0;
         startHostWithPlugin(settingsFile(), dir.path);
         platform::clearTranscript();
         platform::clearDialogActions();
@@ -175,8 +179,10 @@ TEST_F(Settings, FrequencyRangeCommandThroughTheMenu)
     EXPECT_EQ(frequencyRange.start, 1.0);
     EXPECT_EQ(frequencyRange.stop, 10.0);
     EXPECT_EQ(frequencyRange.steps, 20);
-    EXPECT_NE(platform::transcriptText().find("Bode Frequency Range"), std::string::npos)
-        << platform::transcriptText();
+    std::string transcript = platform::transcriptText();
+    EXPECT_EQ(transcript.find("[dialog] Bode Frequency Range\n"), 0u) << transcript;
+    for (const char *shown : {"edit 102 \"103\"", "edit 103 \"104\"", "edit 104 \"102\""})
+        EXPECT_NE(transcript.find(shown), std::string::npos) << shown;
     EXPECT_EQ(platform::pendingDialogActions(), 0u);
 
     /* Root Locus Options then shows what was entered for the frequency range. */
@@ -352,8 +358,8 @@ TEST_F(Settings, PreferencesShowTheSettings)
     ASSERT_FALSE(views.empty());
     const DialogView &shown = views.front();
     EXPECT_EQ(shown.title, "Praxa Preferences");
-    EXPECT_EQ(shown.text.at(PREF_NUMERATOR_THRESHOLD), "1e-55");
-    EXPECT_EQ(shown.text.at(PREF_DENOMINATOR_THRESHOLD), "1e-60");
+    EXPECT_EQ(shown.text.at(PREF_NUMERATOR_THRESHOLD), "1e-055");
+    EXPECT_EQ(shown.text.at(PREF_DENOMINATOR_THRESHOLD), "1e-060");
     EXPECT_EQ(shown.text.at(PREF_PRECISION), "6");
     EXPECT_TRUE(shown.focusOn(PREF_PRECISION));
     EXPECT_FALSE(shown.checked.at(PREF_NEGATIVE_FREQUENCIES));
