@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
-#include <cstddef>
 #include <cstring>
 #include <memory>
 
@@ -27,8 +26,7 @@ struct TraceBuffers {
     PlotPointBuffer coordinate[2] = {};
 };
 
-/* A plot block with its record and buffers; the block comes first so that the
-** block's address is the object's. */
+/* A plot block with its record and buffers. */
 struct PlotBlock {
     HostBlock block{};
     PlotRecord record{};
@@ -81,7 +79,6 @@ struct PlotBlock {
     PlotBlock(const PlotBlock &) = delete;
     PlotBlock &operator=(const PlotBlock &) = delete;
 };
-static_assert(offsetof(PlotBlock, block) == 0);
 
 std::vector<std::unique_ptr<PlotBlock>> &store()
 {

@@ -33,7 +33,7 @@ protected:
         hostapp::resetHost();
         platform::clearTranscript();
         const auto *info = ::testing::UnitTest::GetInstance()->current_test_info();
-        outputDir = std::filesystem::current_path() / "test-output" /
+        outputDir = std::filesystem::temp_directory_path() / "praxa-test-output" /
                     (std::string(info->test_suite_name()) + "." + info->name());
         std::filesystem::remove_all(outputDir);
         std::filesystem::create_directories(outputDir);
