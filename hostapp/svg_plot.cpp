@@ -405,6 +405,7 @@ std::string renderPlotSvg(const PlotView &view)
                 "\" y=\"22\" text-anchor=\"middle\" font-size=\"13\">" + escapeXml(yLabel) + "</text>\n";
 
     Legend legend;
+    size_t drawnInAll = 0;
     svg.text += "<g class=\"traces\" fill=\"none\" stroke-width=\"1.6\" stroke-linejoin=\"round\">\n";
     for (size_t i = 0; i < curves.size(); ++i) {
         const PlotSeries &s = curves[i];
@@ -415,6 +416,7 @@ std::string renderPlotSvg(const PlotView &view)
         size_t drawn = 0;
         std::vector<Pixel> lonePoints;
         std::string d = curvePath(pixels, &drawn, &lonePoints);
+        drawnInAll += drawn + lonePoints.size();
         svg.text += "<path class=\"trace\" data-trace=\"" + std::to_string(s.trace) + "\" data-points=\"" +
                     std::to_string(drawn) + "\" stroke=\"" + colour + "\" d=\"" + d + "\"/>\n";
         for (const Pixel &p : lonePoints)
@@ -432,6 +434,12 @@ std::string renderPlotSvg(const PlotView &view)
         }
     }
     svg.text += "</g>\n";
+    if (drawnInAll == 0) {
+        /* For example a magnitude of 0 everywhere, which a logarithmic axis cannot show. */
+        svg.label((AREA_LEFT + AREA_RIGHT) / 2, (AREA_TOP + AREA_BOTTOM) / 2,
+                  curves.empty() ? "No points" : "No point of the curves falls on this scale",
+                  "class=\"empty-note\" text-anchor=\"middle\" fill=\"#707070\"");
+    }
 
     if (kind == PlotKind::Nyquist) {
         double px = x.pixel(-1.0), py = y.pixel(0.0);

@@ -148,6 +148,17 @@ TEST_F(SvgPlotTest, NonFiniteValuesAreSkipped)
     EXPECT_EQ(doc.select_nodes("//*[local-name()='circle']").size(), 1u);
 }
 
+TEST_F(SvgPlotTest, ZeroMagnitudeSaysWhyNothingIsDrawn)
+{
+    magnitudeUnit.selected = MAGNITUDE_UNIT_DECIBELS;
+    HostBlock *block = frequencyPlot("Bode-Magnitude", std::vector<double>(10, 0.0));
+    finishPlot(block, 1, 1, 0xFF);
+    parse("Bode-Magnitude0.svg");
+    EXPECT_EQ(vertices(traces()[0].attribute("d").value()).size(), 0u);
+    EXPECT_EQ(textsOfClass(doc, "empty-note"),
+              std::vector<std::string>{"No point of the curves falls on this scale"});
+}
+
 TEST_F(SvgPlotTest, NyquistDrawsRealAgainstImaginary)
 {
     /* 1 / (jw + 1) over w = 0 ... 10: a half circle from 1 to near 0. */
