@@ -1,0 +1,323 @@
+/*
+** tests/xfer/xfer_dialogs_test.cpp: the Transfer Function and Zeros and Poles dialogs as
+** timeToFrequency shows them: gain, coefficient rows and their padding, root lists in
+** the eigenvalue routine's order, help topics, and the templates themselves.
+*/
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/driver.h"
+#include "platform/resource_script.h"
+#include "resources/prxdlg.h"
+#include "shell/praxa.h"
+#include "support.h"
+#include "tests/xfer/model.h"
+#include "xfer/xfer.h"
+
+using namespace xfertest;
+using platform::ActionKind;
+using platform::DialogAction;
+
+namespace {
+
+const std::vector<std::string> &lines() { return platform::transcript(); }
+
+/* Index of the transcript line "[dialog] title" (the n-th one), or -1. */
+int dialogLine(const std::string &title, int occurrence = 0)
+{
+    for (size_t i = 0; i < lines().size(); i++)
+        if (lines()[i] == "[dialog] " + title && occurrence-- == 0)
+            return (int)i;
+    return -1;
+}
+
+/* The snapshot line of control `id` of kind `kind` in the dialog shown at line `start`. */
+std::string controlLine(int start, const std::string &kind, int id)
+{
+    std::string prefix = "  " + kind + " " + std::to_string(id);
+    for (size_t i = start + 1; i < lines().size() && lines()[i].rfind("  ", 0) == 0; i++)
+        if (lines()[i].rfind(prefix + " ", 0) == 0 || lines()[i].rfind(prefix + ":", 0) == 0)
+            return lines()[i];
+    return "";
+}
+
+/* The entries of list box `id` as the snapshot of the dialog titled `title` shows them. */
+std::vector<std::string> listEntries(const std::string &title, int id)
+{
+    int start = dialogLine(title);
+    EXPECT_GE(start, 0) << title;
+    if (start < 0)
+        return {};
+    std::string line = controlLine(start, "listbox", id);
+    std::string prefix = "  listbox " + std::to_string(id) + ":";
+    EXPECT_EQ(line.rfind(prefix, 0), 0u) << line;
+    std::string rest = line.substr(prefix.size());
+    std::vector<std::string> entries;
+    if (rest.empty())
+        return entries;
+    EXPECT_EQ(rest.substr(0, 2), " \"");
+    rest = rest.substr(2, rest.size() - 3);     /* between the outer quotes */
+    size_t from = 0, bar;
+    while ((bar = rest.find("\" | \"", from)) != std::string::npos) {
+        entries.push_back(rest.substr(from, bar - from));
+        from = bar + 5;
+    }
+    entries.push_back(rest.substr(from));
+    return entries;
+}
+
+int lineOf(const std::string &text)
+{
+    for (size_t i = 0; i < lines().size(); i++)
+        if (lines()[i] == text)
+            return (int)i;
+    return -1;
+}
+
+class XferDialogs : public ::testing::Test {
+protected:
+    testing_support::TempDir dir;
+    void SetUp() override { testing_support::startHostWithPlugin(dir.file("praxa.ini"), dir.path); }
+
+    void showInfo(Model &m)
+    {
+        platform::clearTranscript();
+        timeToFrequency(m.A, m.B, m.C, m.D, nullptr, nullptr, nullptr, XFER_SHOW_INFO);
+    }
+};
+
+}
+
+TEST_F(XferDialogs, TwoOverSPlusOneShowsGainRowsAndItsPole)
+{
+    Model m(1, {-1}, {1}, {2}, 0.0);
+    platform::clearTranscript();
+    double gain = 0.0;
+    EXPECT_EQ(timeToFrequency(m.A, m.B, m.C, m.D, nullptr, nullptr, &gain, XFER_SHOW_INFO), 0);
+    EXPECT_EQ(gain, 2.0);
+
+    int info = dialogLine("Transfer Function"), poleZero = dialogLine("Zeros and Poles");
+    ASSERT_GE(info, 0) << platform::transcriptText();
+    ASSERT_GT(poleZero, info);
+    EXPECT_LT(lineOf("[end] Transfer Function: 1"), poleZero);
+    EXPECT_GT(lineOf("[end] Zeros and Poles: 1"), poleZero);
+
+    EXPECT_EQ(controlLine(info, "static", IDC_XFERINFO_GAIN), "  static 109 \"2\"");
+    EXPECT_EQ(controlLine(info, "static", IDC_XFERINFO_HEADING),
+              "  static 105 \"s^n           Numerator\t\t             Denominator\"");
+    EXPECT_EQ(listEntries("Transfer Function", IDC_XFERINFO_ROWS),
+              (std::vector<std::string>{"s^0\t1\t    \t1", "s^1\t0\t    \t1"}));
+
+    EXPECT_EQ(controlLine(poleZero, "static", IDC_POLEZERO_HEADING),
+              "  static 109 \"Zeros\t\t                                            Poles\"");
+    EXPECT_TRUE(listEntries("Zeros and Poles", IDC_POLEZERO_ZEROS).empty());
+    EXPECT_EQ(listEntries("Zeros and Poles", IDC_POLEZERO_POLES), (std::vector<std::string>{"(-1,0)"}));
+    EXPECT_EQ(platform::refusedDialogCount(), 0);
+    EXPECT_EQ(currentXfer.gain, 2.0);
+}
+
+TEST_F(XferDialogs, NumeratorTextsArePaddedTowardsThirteenCharacters)
+{
+    /* d = 1, A = -2: one zero at -(2 + c), so N(s) = s + v exactly for c = v - 2 */
+    struct Case {
+        double v;
+        const char *row;
+    } cases[] = {
+        {2.5, "s^0\t2.5\t  \t2"},                   /* 3 characters: a tab, two blanks */
+        {2.125, "s^0\t2.125\t\t2"},                 /* 5: one tab alone */
+        {2.0625, "s^0\t2.0625       \t2"},          /* 6: seven blanks */
+        {2.5000000001, "s^0\t2.5000000001 \t2"},    /* 12: one blank */
+        {2.50000000001, "s^0\t2.50000000001\t2"},   /* 13: nothing */
+        {2.500000000001, "s^0\t2.500000000001\t2"}, /* 14: nothing */
+    };
+    for (const Case &c : cases) {
+        Model m(1, {-2}, {1}, {c.v - 2.0}, 1.0);
+        showInfo(m);
+        EXPECT_EQ(listEntries("Transfer Function", IDC_XFERINFO_ROWS),
+                  (std::vector<std::string>{c.row, "s^1\t1\t    \t1"}));
+    }
+}
+
+TEST_F(XferDialogs, OneRowPerStateAndOneMoreWhateverTheZeros)
+{
+    /* (s + 4)/(s^3 + 6s^2 + 11s + 6): one zero, three poles, four rows */
+    std::unique_ptr<Model> m(controllableForm({4.0, 1.0, 0.0}, {6.0, 11.0, 6.0}));
+    showInfo(*m);
+    std::vector<std::string> rows = listEntries("Transfer Function", IDC_XFERINFO_ROWS);
+    ASSERT_EQ(rows.size(), 4u);
+    EXPECT_EQ(rows[0].rfind("s^0\t", 0), 0u) << rows[0];
+    EXPECT_EQ(rows[1].rfind("s^1\t1\t    \t", 0), 0u) << rows[1];
+    EXPECT_EQ(rows[2].rfind("s^2\t0\t    \t", 0), 0u) << rows[2];
+    EXPECT_EQ(rows[3], "s^3\t0\t    \t1");
+    EXPECT_EQ(listEntries("Zeros and Poles", IDC_POLEZERO_ZEROS), (std::vector<std::string>{"(-4,0)"}));
+    EXPECT_EQ(listEntries("Zeros and Poles", IDC_POLEZERO_POLES).size(), 3u);
+}
+
+TEST_F(XferDialogs, RootsAreListedInTheEigenvalueRoutinesOrder)
+{
+    /* (s + 0.5)/(s^2 + 2s + 5): zero -0.5, poles -1 -+ 2i */
+    std::unique_ptr<Model> m(controllableForm({0.5, 1.0}, {5.0, 2.0}));
+    showInfo(*m);
+    EXPECT_EQ(listEntries("Zeros and Poles", IDC_POLEZERO_ZEROS), (std::vector<std::string>{"(-.5,0)"}));
+    EXPECT_EQ(listEntries("Zeros and Poles", IDC_POLEZERO_POLES),
+              (std::vector<std::string>{"(-1,-2)", "(-1,2)"}));
+}
+
+namespace {
+
+bool focusOnOkAfterInit;
+
+INT_PTR poleZeroSpy(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    INT_PTR result = poleZeroDlg(dialog, message, wParam, lParam);
+    if (message == WM_INITDIALOG) {
+        focusOnOkAfterInit = GetFocus() == GetDlgItem(dialog, IDOK);
+        EXPECT_EQ(result, 0);
+    }
+    return result;
+}
+
+}
+
+TEST_F(XferDialogs, PoleZeroListsFollowTheRootListsUnsortedWithTheFocusOnOk)
+{
+    Complex zeros[] = {{3, 0}, {-0.5, 0}};
+    Complex poles[] = {{0, 0}, {-1, -2}, {-1, 2}, {-7.25, 0}};
+    currentXfer.zeros = zeros;
+    currentXfer.poles = poles;
+    currentXfer.zeroCount = 2;
+    currentXfer.poleCount = 4;
+    platform::clearTranscript();
+    focusOnOkAfterInit = false;
+    EXPECT_EQ(runDialog("POLEZERO_BOX", poleZeroSpy), 1);
+    currentXfer.zeros = currentXfer.poles = nullptr;
+    EXPECT_TRUE(focusOnOkAfterInit);
+    EXPECT_EQ(listEntries("Zeros and Poles", IDC_POLEZERO_ZEROS), (std::vector<std::string>{"(3,0)", "(-.5,0)"}));
+    EXPECT_EQ(listEntries("Zeros and Poles", IDC_POLEZERO_POLES),
+              (std::vector<std::string>{"(0,0)", "(-1,-2)", "(-1,2)", "(-7.25,0)"}));
+}
+
+TEST_F(XferDialogs, HelpOpensEachDialogsTopicAndTheDialogStays)
+{
+    Model m(1, {-1}, {1}, {2}, 0.0);
+    platform::queueDialogAction(DialogAction{"TRANSFERINFO_BOX", ActionKind::Click, 9, "", 0});
+    platform::queueDialogAction(DialogAction{"POLEZERO_BOX", ActionKind::Click, 9, "", 0});
+    showInfo(m);
+    int infoHelp = lineOf("[help] file 43528 topic 1180");
+    int poleZeroHelp = lineOf("[help] file 43528 topic 1185");
+    ASSERT_GE(infoHelp, 0) << platform::transcriptText();
+    ASSERT_GE(poleZeroHelp, 0) << platform::transcriptText();
+    EXPECT_GT(infoHelp, dialogLine("Transfer Function"));
+    EXPECT_LT(infoHelp, lineOf("[end] Transfer Function: 1"));
+    EXPECT_GT(poleZeroHelp, dialogLine("Zeros and Poles"));
+    EXPECT_LT(poleZeroHelp, lineOf("[end] Zeros and Poles: 1"));
+    EXPECT_EQ(platform::pendingDialogActions(), 0u);
+}
+
+TEST_F(XferDialogs, EscapeEndsEitherDialogWithCancelAndTheSecondStillFollows)
+{
+    Model m(1, {-1}, {1}, {2}, 0.0);
+    platform::queueDialogAction(DialogAction{"TRANSFERINFO_BOX", ActionKind::Cancel, 0, "", 0});
+    platform::queueDialogAction(DialogAction{"POLEZERO_BOX", ActionKind::Cancel, 0, "", 0});
+    showInfo(m);
+    EXPECT_GE(lineOf("[end] Transfer Function: 2"), 0) << platform::transcriptText();
+    EXPECT_GE(lineOf("[end] Zeros and Poles: 2"), 0);
+}
+
+TEST_F(XferDialogs, NoDialogWithoutTheInfoFlag)
+{
+    Model m(1, {-1}, {1}, {2}, 0.0);
+    platform::clearTranscript();
+    timeToFrequency(m.A, m.B, m.C, m.D, nullptr, nullptr, nullptr, 0);
+    timeToFrequency(m.A, m.B, m.C, m.D, nullptr, nullptr, nullptr, XFER_SHOW_COMPENSATOR);
+    EXPECT_EQ(dialogLine("Transfer Function"), -1);
+    EXPECT_EQ(dialogLine("Zeros and Poles"), -1);
+}
+
+namespace {
+
+const platform::DialogTemplate *findTemplate(const platform::ResourceScript &script, const std::string &name)
+{
+    for (const platform::DialogTemplate &d : script.dialogs)
+        if (d.name == name)
+            return &d;
+    return nullptr;
+}
+
+DWORD symbol(const char *name) { return (DWORD)platform::predefinedSymbol(name).value(); }
+
+void expectControl(const platform::ControlTemplate &c, int id, const char *className, const char *text,
+                   int x, int y, int cx, int cy)
+{
+    SCOPED_TRACE("control " + std::to_string(id));
+    EXPECT_EQ(c.id, id);
+    EXPECT_EQ(c.className, className);
+    EXPECT_EQ(c.text, text);
+    EXPECT_EQ(c.x, x);
+    EXPECT_EQ(c.y, y);
+    EXPECT_EQ(c.cx, cx);
+    EXPECT_EQ(c.cy, cy);
+}
+
+}
+
+TEST_F(XferDialogs, TemplatesHaveTheirTitlesFontsSizesControlsAndStyles)
+{
+    std::string source = testing_support::readFile(std::string(PRAXA_SOURCE_DIR) + "/resources/praxa.rc");
+    std::string header = testing_support::readFile(std::string(PRAXA_SOURCE_DIR) + "/resources/prxdlg.h");
+    platform::ResourceScript script = platform::parseResourceScript(
+        "praxa.rc", source, [&](const std::string &name) { return name == "prxdlg.h" ? &header : nullptr; });
+    ASSERT_EQ(script.error, "");
+
+    const platform::DialogTemplate *info = findTemplate(script, "TRANSFERINFO_BOX");
+    ASSERT_NE(info, nullptr);
+    EXPECT_EQ(info->caption, "Transfer Function");
+    EXPECT_EQ(info->fontFace, "Microsoft Sans Serif");
+    EXPECT_EQ(info->fontSize, 10);
+    EXPECT_EQ(info->cx, 272);
+    EXPECT_EQ(info->cy, 162);
+    EXPECT_EQ(info->style & (symbol("WS_POPUP") | symbol("WS_CAPTION")), symbol("WS_POPUP") | symbol("WS_CAPTION"));
+    ASSERT_EQ(info->controls.size(), 6u);
+    expectControl(info->controls[0], -1, "Static", "Gain", 15, 6, 28, 8);
+    expectControl(info->controls[1], 109, "Static", "1", 46, 6, 65, 8);
+    expectControl(info->controls[2], 105, "Static", "s^n           Numerator\t\t             Denominator", 6, 19,
+                  175, 8);
+    expectControl(info->controls[3], 106, "ListBox", "", 6, 31, 260, 106);
+    expectControl(info->controls[4], 1, "Button", "OK", 119, 144, 34, 14);
+    expectControl(info->controls[5], 9, "Button", "Help", 232, 144, 34, 14);
+    DWORD rows = info->controls[3].style;
+    for (const char *style : {"WS_BORDER", "WS_VSCROLL", "WS_HSCROLL", "LBS_NOTIFY", "LBS_USETABSTOPS",
+                              "LBS_EXTENDEDSEL"})
+        EXPECT_EQ(rows & symbol(style), symbol(style)) << style;
+    EXPECT_EQ(rows & symbol("LBS_SORT"), 0u);
+    EXPECT_EQ(info->controls[4].style & 0xF, symbol("BS_DEFPUSHBUTTON"));
+    EXPECT_EQ(info->controls[5].style & 0xF, symbol("BS_PUSHBUTTON"));
+
+    const platform::DialogTemplate *poleZero = findTemplate(script, "POLEZERO_BOX");
+    ASSERT_NE(poleZero, nullptr);
+    EXPECT_EQ(poleZero->caption, "Zeros and Poles");
+    EXPECT_EQ(poleZero->fontFace, "Microsoft Sans Serif");
+    EXPECT_EQ(poleZero->fontSize, 10);
+    EXPECT_EQ(poleZero->cx, 288);
+    EXPECT_EQ(poleZero->cy, 157);
+    DWORD frame = symbol("DS_MODALFRAME") | symbol("WS_CAPTION") | symbol("WS_SYSMENU");
+    EXPECT_EQ(poleZero->style & frame, frame);
+    ASSERT_EQ(poleZero->controls.size(), 5u);
+    expectControl(poleZero->controls[0], 109, "Static",
+                  "Zeros\t\t                                            Poles", 56, 5, 163, 8);
+    expectControl(poleZero->controls[1], 107, "ListBox", "", 2, 20, 140, 117);
+    expectControl(poleZero->controls[2], 108, "ListBox", "", 146, 20, 140, 117);
+    expectControl(poleZero->controls[3], 1, "Button", "&OK", 127, 139, 34, 14);
+    expectControl(poleZero->controls[4], 9, "Button", "Help", 252, 139, 34, 14);
+    for (int list : {1, 2}) {
+        DWORD style = poleZero->controls[list].style;
+        for (const char *s : {"WS_BORDER", "WS_VSCROLL", "LBS_NOTIFY"})
+            EXPECT_EQ(style & symbol(s), symbol(s)) << s;
+        EXPECT_EQ(style & symbol("LBS_SORT"), 0u);
+    }
+    EXPECT_EQ(poleZero->controls[1].style & symbol("LBS_HASSTRINGS"), symbol("LBS_HASSTRINGS"));
+    EXPECT_EQ(poleZero->controls[3].style & 0xF, symbol("BS_PUSHBUTTON"));
+}
