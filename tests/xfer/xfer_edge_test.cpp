@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <complex>
 #include <memory>
 #include <numbers>
@@ -309,6 +310,24 @@ TEST_F(XferEdge, ZeroOutputRowIsReportedAndGivesNoZeros)
     Model notANumber(2, {0, 1, -2, -3}, {0, 1}, {0, NAN}, 0.0);
     transferFunctionOf(notANumber);
     EXPECT_FALSE(transcriptHas("Zero C matrix"));
+}
+
+/* A non-finite element is carried through (the numeric core reports its own trouble);
+** every loop here is bounded by the model's order or the test point count. */
+TEST_F(XferEdge, NonFiniteModelsEndWithAResult)
+{
+    for (double bad : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()}) {
+        Model m(3, {0, 1, 0, 0, 0, 1, -6, bad, -6}, {0, 0, 1}, {1, bad, 0}, 0.0);
+        double *numerator = nullptr, *denominator = nullptr, gain = 0.0;
+        int32_t zeroCount = stateToXferFunc(m.A, m.B, m.C, m.D, &numerator, &denominator, &gain);
+        EXPECT_GE(zeroCount, 0);
+        EXPECT_LE(zeroCount, 3);
+        ASSERT_NE(numerator, nullptr);
+        EXPECT_EQ(numerator[zeroCount], 1.0);
+        EXPECT_EQ(denominator[3], 1.0);
+        gfree(numerator);
+        gfree(denominator);
+    }
 }
 
 TEST_F(XferEdge, PolynomialFromRoots)
