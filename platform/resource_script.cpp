@@ -954,7 +954,7 @@ private:
                 c.exStyle = styleList(0);
                 if (in_.accept(",")) {
                     if (!extended)
-                        fail(in_.lastFile(), in_.lastLine(), "too many values for a control of a DIALOG");
+                        fail(in_.lastFile(), in_.lastLine(), "too many values for a control of a DIALOG (help ids need DIALOGEX)");
                     number();
                 }
             }
@@ -981,7 +981,7 @@ private:
                             c.exStyle = styleList(0);
                             if (in_.accept(",")) {
                                 if (!extended)
-                                    fail(in_.lastFile(), in_.lastLine(), "too many values for a control of a DIALOG");
+                                    fail(in_.lastFile(), in_.lastLine(), "too many values for a control of a DIALOG (help ids need DIALOGEX)");
                                 number();
                             }
                         }
