@@ -17,3 +17,10 @@ int getStateDerivList(HostList *, HostList *, HostList *, HostList *) { return 0
 void calcACMatrix(Matrix *, Matrix *, double *, HostList *, HostList *, HostList *, int, Matrix *, Matrix *, Matrix *) {}
 intptr_t tvnRequest(SimStepRequest *, intptr_t) { return 0; }
 }
+#include "hostapp/diagram.h"
+namespace hostapp {
+bool loadDiagramFile(const std::string &, std::string &error) { error = "diagrams are not supported yet"; return false; }
+void clearDiagram() {}
+bool clickReferencePoint(const std::string &, std::string &error) { error = "no diagram"; return false; }
+bool applyDiagramReferencePoints(std::string &) { return true; }
+}

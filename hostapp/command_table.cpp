@@ -1,0 +1,253 @@
+/*
+** hostapp/command_table.cpp: command names, ids, and option-to-dialog-action rules.
+*/
+#include "hostapp/command_table.h"
+
+#include <cstdlib>
+
+namespace hostapp {
+
+using platform::ActionKind;
+using platform::DialogAction;
+
+const std::vector<CommandSpec> &commandTable()
+{
+    static const std::vector<CommandSpec> table = {
+        {"linearize", 206, true, "linearize the selection; [--file NAME.m | --screen | --select-points]"},
+        {"select-points", 234, true, "start the host's input/output point selection"},
+        {"tf", 243, true, "transfer function, zeros and poles"},
+        {"compensator", 249, false, "compensator design"},
+        {"select-compensator", 254, true, "select the compensator block (host)"},
+        {"rlocus", 240, false, "root locus plot"},
+        {"rlocus-options", 241, true, "root locus gain range; [--start K --stop K --steps N --auto|--no-auto]"},
+        {"nyquist", 250, false, "Nyquist plot"},
+        {"bode", 242, false, "Bode magnitude and phase plots"},
+        {"frequency-range", 235, true, "frequency range; [--start F --stop F --steps N]"},
+        {"preferences", 246, true,
+         "units, precision, thresholds; [--frequency-unit hertz|rad] [--phase-unit degrees|radians]\n"
+         "                       [--magnitude-unit db|log10] [--precision N] [--numerator-threshold X]\n"
+         "                       [--denominator-threshold X] [--negative-frequencies|--no-negative-frequencies]"},
+        {"reuse-plots", 296, true, "toggle reuse of plots"},
+        {"about", 245, true, "the about box"},
+    };
+    return table;
+}
+
+const CommandSpec *findCommand(const std::string &name)
+{
+    for (const CommandSpec &command : commandTable())
+        if (name == command.name)
+            return &command;
+    return nullptr;
+}
+
+static bool parseInt(const std::string &text, int &value)
+{
+    char *end = nullptr;
+    long parsed = std::strtol(text.c_str(), &end, 10);
+    if (text.empty() || *end || parsed < -2147483647L || parsed > 2147483647L)
+        return false;
+    value = (int)parsed;
+    return true;
+}
+
+static DialogAction action(const char *dialog, ActionKind kind, int control, std::string text = "")
+{
+    DialogAction a;
+    a.dialog = dialog;
+    a.kind = kind;
+    a.control = control;
+    a.text = std::move(text);
+    return a;
+}
+
+bool parseDialogAction(const std::vector<std::string> &words, DialogAction &a, std::string &error)
+{
+    static const struct {
+        const char *word;
+        ActionKind kind;
+        size_t arguments;
+    } verbs[] = {
+        {"type", ActionKind::Type, 2}, {"click", ActionKind::Click, 1}, {"check", ActionKind::Check, 1},
+        {"uncheck", ActionKind::Uncheck, 1}, {"select", ActionKind::Select, 2},
+        {"focus", ActionKind::Focus, 1}, {"cancel", ActionKind::Cancel, 0},
+    };
+    if (words.empty()) {
+        error = "empty dialog action";
+        return false;
+    }
+    for (const auto &verb : verbs) {
+        if (words[0] != verb.word)
+            continue;
+        if (words.size() < verb.arguments + 1 || (verb.kind != ActionKind::Type && words.size() != verb.arguments + 1)) {
+            error = "dialog action '" + words[0] + "' takes " + std::to_string(verb.arguments) + " argument(s)";
+            return false;
+        }
+        a = DialogAction{};
+        a.kind = verb.kind;
+        if (verb.arguments >= 1 && !parseInt(words[1], a.control)) {
+            error = "dialog action '" + words[0] + "': '" + words[1] + "' is not a control id";
+            return false;
+        }
+        if (verb.kind == ActionKind::Select && !parseInt(words[2], a.index)) {
+            error = "dialog action 'select': '" + words[2] + "' is not an entry index";
+            return false;
+        }
+        if (verb.kind == ActionKind::Type) {
+            /* The rest of the line is the text, blanks included. */
+            for (size_t i = 2; i < words.size(); ++i)
+                a.text += (i > 2 ? " " : "") + words[i];
+        }
+        return true;
+    }
+    error = "unknown dialog action '" + words[0] + "'";
+    return false;
+}
+
+/* Options every command accepts: raw dialog actions. */
+static bool parseGenericOption(const std::vector<std::string> &args, size_t &i, CommandRun &run, std::string &error)
+{
+    const std::string &option = args[i];
+    auto valueOf = [&](std::string &value) {
+        if (i + 1 >= args.size()) {
+            error = "option " + option + " needs a value";
+            return false;
+        }
+        value = args[++i];
+        return true;
+    };
+    std::string value;
+    if (option == "--cancel") {
+        run.actions.push_back(action("", ActionKind::Cancel, 0));
+        return true;
+    }
+    static const struct {
+        const char *option;
+        const char *verb;
+    } forms[] = {{"--type", "type"}, {"--click", "click"}, {"--check", "check"}, {"--uncheck", "uncheck"},
+                 {"--select", "select"}, {"--focus", "focus"}};
+    for (const auto &form : forms) {
+        if (option != form.option)
+            continue;
+        if (!valueOf(value))
+            return false;
+        /* ID=TEXT for --type and --select, ID otherwise. */
+        std::vector<std::string> words = {form.verb};
+        size_t equals = value.find('=');
+        if (equals != std::string::npos) {
+            words.push_back(value.substr(0, equals));
+            words.push_back(value.substr(equals + 1));
+        } else {
+            words.push_back(value);
+        }
+        DialogAction a;
+        if (!parseDialogAction(words, a, error))
+            return false;
+        run.actions.push_back(a);
+        return true;
+    }
+    error = "unknown option " + option + " for command " + run.command->name;
+    return false;
+}
+
+bool parseCommandOptions(const CommandSpec &command, const std::vector<std::string> &args, CommandRun &run,
+                         std::string &error)
+{
+    run.command = &command;
+    const std::string name = command.name;
+    const char *dialog = "";
+    if (name == "linearize")
+        dialog = "LINEARIZE";
+    else if (name == "frequency-range" || name == "rlocus-options")
+        dialog = "PRX_OPTIONS";
+    else if (name == "preferences")
+        dialog = "PRX_PREFERENCES";
+
+    for (size_t i = 0; i < args.size(); ++i) {
+        const std::string &option = args[i];
+        auto next = [&](std::string &value) {
+            if (i + 1 >= args.size()) {
+                error = "option " + option + " needs a value";
+                return false;
+            }
+            value = args[++i];
+            return true;
+        };
+        auto typed = [&](int control) {
+            std::string value;
+            if (!next(value))
+                return false;
+            run.actions.push_back(action(dialog, ActionKind::Type, control, value));
+            return true;
+        };
+        auto choice = [&](const std::vector<std::pair<std::string, int>> &choices) {
+            std::string value;
+            if (!next(value))
+                return false;
+            for (const auto &c : choices) {
+                if (value == c.first) {
+                    run.actions.push_back(action(dialog, ActionKind::Click, c.second));
+                    return true;
+                }
+            }
+            error = "option " + option + ": unknown value '" + value + "'";
+            return false;
+        };
+        bool ok;
+        if (name == "linearize" && option == "--file") {
+            run.actions.push_back(action(dialog, ActionKind::Click, 207));
+            ok = typed(101);
+        } else if (name == "linearize" && option == "--screen") {
+            run.actions.push_back(action(dialog, ActionKind::Click, 208));
+            ok = true;
+        } else if (name == "linearize" && option == "--select-points") {
+            run.actions.push_back(action(dialog, ActionKind::Click, 234));
+            ok = true;
+        } else if ((name == "frequency-range" || name == "rlocus-options") && option == "--start") {
+            ok = typed(102);
+        } else if ((name == "frequency-range" || name == "rlocus-options") && option == "--stop") {
+            ok = typed(103);
+        } else if ((name == "frequency-range" || name == "rlocus-options") && option == "--steps") {
+            ok = typed(104);
+        } else if (name == "rlocus-options" && (option == "--auto" || option == "--no-auto")) {
+            run.actions.push_back(action(dialog, option == "--auto" ? ActionKind::Check : ActionKind::Uncheck, 1029));
+            ok = true;
+        } else if (name == "preferences" && option == "--frequency-unit") {
+            ok = choice({{"hertz", 210}, {"rad", 211}});
+        } else if (name == "preferences" && option == "--phase-unit") {
+            ok = choice({{"degrees", 212}, {"radians", 213}});
+        } else if (name == "preferences" && option == "--magnitude-unit") {
+            ok = choice({{"db", 215}, {"log10", 216}});
+        } else if (name == "preferences" && option == "--precision") {
+            ok = typed(203);
+        } else if (name == "preferences" && option == "--numerator-threshold") {
+            ok = typed(200);
+        } else if (name == "preferences" && option == "--denominator-threshold") {
+            ok = typed(201);
+        } else if (name == "preferences" && (option == "--negative-frequencies" || option == "--no-negative-frequencies")) {
+            run.actions.push_back(action(dialog, option == "--negative-frequencies" ? ActionKind::Check : ActionKind::Uncheck, 1035));
+            ok = true;
+        } else {
+            ok = parseGenericOption(args, i, run, error);
+        }
+        if (!ok)
+            return false;
+    }
+    return true;
+}
+
+std::string commandHelp()
+{
+    std::string text;
+    for (const CommandSpec &command : commandTable()) {
+        std::string name = command.name;
+        name.resize(22, ' ');
+        text += "  " + name + command.summary;
+        if (!command.available)
+            text += " (not available in this build)";
+        text += "\n";
+    }
+    return text;
+}
+
+}

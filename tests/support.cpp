@@ -1,0 +1,75 @@
+/*
+** tests/support.cpp: see support.h.
+*/
+#include "support.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "hostapp/host_state.h"
+#include "linearize/linearize.h"
+#include "platform/driver.h"
+#include "shell/praxa.h"
+
+namespace testing_support {
+
+TempDir::TempDir()
+{
+    char pattern[] = "/tmp/praxa-test-XXXXXX";
+    path = mkdtemp(pattern);
+}
+
+TempDir::~TempDir()
+{
+    std::error_code ignored;
+    std::filesystem::remove_all(path, ignored);
+}
+
+void startHostWithPlugin(const std::string &settingsPath, const std::string &outputDir)
+{
+    platform::resetWindowing();
+    hostapp::resetHost();
+    hostapp::HostState &host = hostapp::host();
+    host.settingsPath = settingsPath;
+    host.outputDir = outputDir;
+    host.plugin.init = praxaInit;
+    host.plugin.command = praxaCmd;
+    host.plugin.event = praxaEvent;
+    host.plugin.selectRefPoint = selLinRefPoint;
+    host.plugin.resetRefPoints = linResetRefPoints;
+    host.mainWindow = platform::createMainWindow("Tervan");
+    praxaInit(host.mainWindow);
+}
+
+std::string readFile(const std::string &path)
+{
+    std::ifstream in(path);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+void writeFile(const std::string &path, const std::string &text)
+{
+    std::ofstream(path) << text;
+}
+
+RunResult runPraxa(const std::string &arguments)
+{
+    TempDir dir;
+    std::string command = std::string(PRAXA_EXE) + " " + arguments + " >" + dir.file("out") + " 2>" + dir.file("err") + " </dev/null";
+    RunResult result;
+    int raw = std::system(command.c_str());
+    result.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    result.out = readFile(dir.file("out"));
+    result.err = readFile(dir.file("err"));
+    return result;
+}
+
+}

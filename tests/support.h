@@ -1,0 +1,37 @@
+/*
+** tests/support.h: helpers shared by the test binaries: a fresh host with the plug-in
+** linked in, temporary folders, and running the praxa executable.
+*/
+#ifndef PRAXA_TEST_SUPPORT_H
+#define PRAXA_TEST_SUPPORT_H
+
+#include <string>
+
+namespace testing_support {
+
+/* A new empty folder under /tmp, removed by the caller's TempDir destructor. */
+struct TempDir {
+    std::string path;
+    TempDir();
+    ~TempDir();
+    std::string file(const std::string &name) const { return path + "/" + name; }
+};
+
+/* Resets host and windowing, points the settings at `settingsPath`, creates the main
+** window, wires the plug-in's entry points (linked into the test) and calls praxaInit. */
+void startHostWithPlugin(const std::string &settingsPath, const std::string &outputDir = "/tmp");
+
+/* Runs the praxa executable with `arguments` (a shell word list). */
+struct RunResult {
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+RunResult runPraxa(const std::string &arguments);
+
+std::string readFile(const std::string &path);
+void writeFile(const std::string &path, const std::string &text);
+
+}
+
+#endif
