@@ -4,7 +4,7 @@
 */
 #include <gtest/gtest.h>
 
-#include <cstdio>
+#include <gnu/libc-version.h>
 
 #include "platform/driver.h"
 
@@ -55,7 +55,7 @@ TEST(Modules, HandlesByAddressAndByNameAgree)
                                    &fromAddress));
     ASSERT_TRUE(GetModuleHandleExA(0, nullptr, &program));
     EXPECT_EQ(fromAddress, program);    /* the test program holds the windowing system */
-    ASSERT_TRUE(GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<LPCSTR>(&std::printf),
+    ASSERT_TRUE(GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<LPCSTR>(&gnu_get_libc_version),
                                    &libc));
     EXPECT_NE(libc, program);
     ASSERT_TRUE(GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT, "libc.so.6", &libcByName));
