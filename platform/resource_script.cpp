@@ -710,6 +710,7 @@ struct ControlKeyword {
 
 constexpr DWORD WS_CHILD_VISIBLE = 0x40000000 | 0x10000000;
 constexpr DWORD WS_TABSTOP_ = 0x00010000, WS_GROUP_ = 0x00020000, WS_BORDER_ = 0x00800000;
+constexpr DWORD BUTTON_TYPE_BITS = 0xF;
 
 const ControlKeyword controlKeywords[] = {
     {"LTEXT", STATIC_CLASS, 0x0 | WS_GROUP_, true},
@@ -921,16 +922,41 @@ private:
         dialogs_.push_back(std::move(d));
     }
 
-    DWORD removed_ = 0;     /* bits named after NOT in the last style list */
-
-    /* The given style is or-ed into the statement's default. A button type given in the style
-    ** replaces the statement's own (RADIOBUTTON ..., BS_AUTORADIOBUTTON makes an automatic one). */
-    DWORD styleCombine(const std::string &className, DWORD defaults, DWORD given)
+    /* A style list of a predefined control, applied to the statement's default style: named
+    ** bits are added, bits after NOT removed. A button type given in the list replaces the
+    ** statement's own (RADIOBUTTON ..., BS_AUTORADIOBUTTON makes an automatic one). */
+    DWORD styleOverDefault(const std::string &className, DWORD defaults)
     {
-        DWORD style = defaults;
-        if (className == BUTTON_CLASS && (given & 0xF) != 0)
-            style &= ~0xFu;
-        return (style | given) & ~removed_;
+        DWORD added = 0, removed = 0;
+        do {
+            bool remove = isKeyword(in_.peek(), "NOT");
+            if (remove)
+                in_.next("NOT");
+            DWORD value = static_cast<DWORD>(ExpressionReader(in_, UnknownNames::AreErrors).term());
+            if (remove) {
+                removed |= value;
+                added &= ~value;
+            } else {
+                added |= value;
+                removed &= ~value;
+            }
+        } while (in_.accept("|"));
+        if (className == BUTTON_CLASS && (added & BUTTON_TYPE_BITS) != 0)
+            defaults &= ~BUTTON_TYPE_BITS;
+        return (defaults | added) & ~removed;
+    }
+
+    /* The optional ", extended style [, help id]" that ends a control statement. */
+    void extendedStyleAndHelpId(ControlTemplate &c, bool extended)
+    {
+        if (!in_.accept(","))
+            return;
+        c.exStyle = styleList(0);
+        if (!in_.accept(","))
+            return;
+        if (!extended)
+            fail(in_.lastFile(), in_.lastLine(), "too many values for a control of a DIALOG (help ids need DIALOGEX)");
+        number();
     }
 
     ControlTemplate control(bool extended)
@@ -943,20 +969,12 @@ private:
             in_.expect(",");
             c.id = static_cast<int>(number());
             in_.expect(",");
-            Token cls = in_.next("a window class");
-            c.className = canonicalClass(cls);
+            c.className = canonicalClass(in_.next("a window class"));
             in_.expect(",");
             c.style = styleList(WS_CHILD_VISIBLE);
             in_.expect(",");
             position(c);
-            if (in_.accept(",")) {
-                c.exStyle = styleList(0);
-                if (in_.accept(",")) {
-                    if (!extended)
-                        fail(in_.lastFile(), in_.lastLine(), "too many values for a control of a DIALOG (help ids need DIALOGEX)");
-                    number();
-                }
-            }
+            extendedStyleAndHelpId(c, extended);
             return c;
         }
         if (keyword.kind == Token::Identifier)
@@ -972,18 +990,8 @@ private:
                     position(c);
                     c.style = WS_CHILD_VISIBLE | k.defaultStyle;
                     if (in_.accept(",")) {
-                        DWORD base = WS_CHILD_VISIBLE | k.defaultStyle;
-                        removed_ = 0;
-                        DWORD given = styleAdded();
-                        c.style = styleCombine(c.className, base, given);
-                        if (in_.accept(",")) {
-                            c.exStyle = styleList(0);
-                            if (in_.accept(",")) {
-                                if (!extended)
-                                    fail(in_.lastFile(), in_.lastLine(), "too many values for a control of a DIALOG (help ids need DIALOGEX)");
-                                number();
-                            }
-                        }
+                        c.style = styleOverDefault(c.className, c.style);
+                        extendedStyleAndHelpId(c, extended);
                     }
                     return c;
                 }
@@ -991,26 +999,6 @@ private:
             (word == "COMBOBOX" || word == "SCROLLBAR" || word == "ICON"))
             fail(keyword, "control " + word + " is not supported");
         fail(keyword, "expected a control or END, found " + describe(&keyword));
-    }
-
-    /* A style list of a predefined control: returns the added bits, records removed ones. */
-    DWORD styleAdded()
-    {
-        DWORD added = 0;
-        do {
-            bool remove = isKeyword(in_.peek(), "NOT");
-            if (remove)
-                in_.next("NOT");
-            DWORD value = static_cast<DWORD>(ExpressionReader(in_, UnknownNames::AreErrors).term());
-            if (remove) {
-                removed_ |= value;
-                added &= ~value;
-            } else {
-                added |= value;
-                removed_ &= ~value;
-            }
-        } while (in_.accept("|"));
-        return added;
     }
 
     void position(ControlTemplate &c)
