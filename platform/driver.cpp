@@ -172,6 +172,8 @@ void typeInto(HWND dialog, Window &edit, const std::string &typed)
         SetFocus(next);
 }
 
+/* A click on an entry: the list takes the focus and selects it; as in Win32 only a list
+** with LBS_NOTIFY tells its dialog about the new selection. */
 void selectEntry(HWND dialog, Window &list, int index)
 {
     HWND control = list.handle;

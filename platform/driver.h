@@ -65,7 +65,8 @@ HWND createMainWindow(const char *title);
 /* Receives what is sent or posted to the main window (WM_COMMAND 234, 255 from the plug-in). */
 void setMainWindowHandler(std::function<LRESULT(UINT, WPARAM, LPARAM)> handler);
 
-/* Resets the whole windowing state (tests). */
+/* Resets the whole windowing state (tests): windows, menus, focus, queued actions and answers,
+** transcript and counters. Registered resources stay: they belong to the loaded modules. */
 void resetWindowing();
 
 }

@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <deque>
 #include <map>
-#include <unordered_map>
 
 namespace platform {
 
@@ -711,6 +710,7 @@ struct ControlKeyword {
 
 constexpr DWORD WS_CHILD_VISIBLE = 0x40000000 | 0x10000000;
 constexpr DWORD WS_TABSTOP_ = 0x00010000, WS_GROUP_ = 0x00020000, WS_BORDER_ = 0x00800000;
+constexpr DWORD BUTTON_TYPE_BITS = 0xF;
 
 const ControlKeyword controlKeywords[] = {
     {"LTEXT", STATIC_CLASS, 0x0 | WS_GROUP_, true},
@@ -922,16 +922,41 @@ private:
         dialogs_.push_back(std::move(d));
     }
 
-    DWORD removed_ = 0;     /* bits named after NOT in the last style list */
-
-    /* The given style is or-ed into the statement's default. A button type given in the style
-    ** replaces the statement's own (RADIOBUTTON ..., BS_AUTORADIOBUTTON makes an automatic one). */
-    DWORD styleCombine(const std::string &className, DWORD defaults, DWORD given)
+    /* A style list of a predefined control, applied to the statement's default style: named
+    ** bits are added, bits after NOT removed. A button type given in the list replaces the
+    ** statement's own (RADIOBUTTON ..., BS_AUTORADIOBUTTON makes an automatic one). */
+    DWORD styleOverDefault(const std::string &className, DWORD defaults)
     {
-        DWORD style = defaults;
-        if (className == BUTTON_CLASS && (given & 0xF) != 0)
-            style &= ~0xFu;
-        return (style | given) & ~removed_;
+        DWORD added = 0, removed = 0;
+        do {
+            bool remove = isKeyword(in_.peek(), "NOT");
+            if (remove)
+                in_.next("NOT");
+            DWORD value = static_cast<DWORD>(ExpressionReader(in_, UnknownNames::AreErrors).term());
+            if (remove) {
+                removed |= value;
+                added &= ~value;
+            } else {
+                added |= value;
+                removed &= ~value;
+            }
+        } while (in_.accept("|"));
+        if (className == BUTTON_CLASS && (added & BUTTON_TYPE_BITS) != 0)
+            defaults &= ~BUTTON_TYPE_BITS;
+        return (defaults | added) & ~removed;
+    }
+
+    /* The optional ", extended style [, help id]" that ends a control statement. */
+    void extendedStyleAndHelpId(ControlTemplate &c, bool extended)
+    {
+        if (!in_.accept(","))
+            return;
+        c.exStyle = styleList(0);
+        if (!in_.accept(","))
+            return;
+        if (!extended)
+            fail(in_.lastFile(), in_.lastLine(), "too many values for a control of a DIALOG (help ids need DIALOGEX)");
+        number();
     }
 
     ControlTemplate control(bool extended)
@@ -944,20 +969,12 @@ private:
             in_.expect(",");
             c.id = static_cast<int>(number());
             in_.expect(",");
-            Token cls = in_.next("a window class");
-            c.className = canonicalClass(cls);
+            c.className = canonicalClass(in_.next("a window class"));
             in_.expect(",");
             c.style = styleList(WS_CHILD_VISIBLE);
             in_.expect(",");
             position(c);
-            if (in_.accept(",")) {
-                c.exStyle = styleList(0);
-                if (in_.accept(",")) {
-                    if (!extended)
-                        fail(in_.lastFile(), in_.lastLine(), "too many values for a control of a DIALOG");
-                    number();
-                }
-            }
+            extendedStyleAndHelpId(c, extended);
             return c;
         }
         if (keyword.kind == Token::Identifier)
@@ -973,18 +990,8 @@ private:
                     position(c);
                     c.style = WS_CHILD_VISIBLE | k.defaultStyle;
                     if (in_.accept(",")) {
-                        DWORD base = WS_CHILD_VISIBLE | k.defaultStyle;
-                        removed_ = 0;
-                        DWORD given = styleAdded();
-                        c.style = styleCombine(c.className, base, given);
-                        if (in_.accept(",")) {
-                            c.exStyle = styleList(0);
-                            if (in_.accept(",")) {
-                                if (!extended)
-                                    fail(in_.lastFile(), in_.lastLine(), "too many values for a control of a DIALOG");
-                                number();
-                            }
-                        }
+                        c.style = styleOverDefault(c.className, c.style);
+                        extendedStyleAndHelpId(c, extended);
                     }
                     return c;
                 }
@@ -992,26 +999,6 @@ private:
             (word == "COMBOBOX" || word == "SCROLLBAR" || word == "ICON"))
             fail(keyword, "control " + word + " is not supported");
         fail(keyword, "expected a control or END, found " + describe(&keyword));
-    }
-
-    /* A style list of a predefined control: returns the added bits, records removed ones. */
-    DWORD styleAdded()
-    {
-        DWORD added = 0;
-        do {
-            bool remove = isKeyword(in_.peek(), "NOT");
-            if (remove)
-                in_.next("NOT");
-            DWORD value = static_cast<DWORD>(ExpressionReader(in_, UnknownNames::AreErrors).term());
-            if (remove) {
-                removed_ |= value;
-                added &= ~value;
-            } else {
-                added |= value;
-                removed_ &= ~value;
-            }
-        } while (in_.accept("|"));
-        return added;
     }
 
     void position(ControlTemplate &c)
@@ -1047,71 +1034,6 @@ private:
     std::vector<DialogTemplate> dialogs_;
 };
 
-}
-
-std::optional<long long> predefinedSymbol(const std::string &name)
-{
-    static const std::unordered_map<std::string, long long> symbols = {
-        {"IDOK", 1}, {"IDCANCEL", 2}, {"IDABORT", 3}, {"IDRETRY", 4}, {"IDIGNORE", 5}, {"IDYES", 6},
-        {"IDNO", 7}, {"IDCLOSE", 8}, {"IDHELP", 9}, {"IDC_STATIC", -1},
-        {"WS_OVERLAPPED", 0}, {"WS_TILED", 0}, {"WS_POPUP", 0x80000000}, {"WS_CHILD", 0x40000000},
-        {"WS_CHILDWINDOW", 0x40000000}, {"WS_MINIMIZE", 0x20000000}, {"WS_ICONIC", 0x20000000},
-        {"WS_VISIBLE", 0x10000000}, {"WS_DISABLED", 0x08000000}, {"WS_CLIPSIBLINGS", 0x04000000},
-        {"WS_CLIPCHILDREN", 0x02000000}, {"WS_MAXIMIZE", 0x01000000}, {"WS_CAPTION", 0x00C00000},
-        {"WS_BORDER", 0x00800000}, {"WS_DLGFRAME", 0x00400000}, {"WS_VSCROLL", 0x00200000},
-        {"WS_HSCROLL", 0x00100000}, {"WS_SYSMENU", 0x00080000}, {"WS_THICKFRAME", 0x00040000},
-        {"WS_SIZEBOX", 0x00040000}, {"WS_GROUP", 0x00020000}, {"WS_TABSTOP", 0x00010000},
-        {"WS_MINIMIZEBOX", 0x00020000}, {"WS_MAXIMIZEBOX", 0x00010000},
-        {"WS_OVERLAPPEDWINDOW", 0x00CF0000}, {"WS_TILEDWINDOW", 0x00CF0000},
-        {"WS_POPUPWINDOW", 0x80880000},
-        {"WS_EX_DLGMODALFRAME", 0x1}, {"WS_EX_NOPARENTNOTIFY", 0x4}, {"WS_EX_TOPMOST", 0x8},
-        {"WS_EX_ACCEPTFILES", 0x10}, {"WS_EX_TRANSPARENT", 0x20}, {"WS_EX_MDICHILD", 0x40},
-        {"WS_EX_TOOLWINDOW", 0x80}, {"WS_EX_WINDOWEDGE", 0x100}, {"WS_EX_CLIENTEDGE", 0x200},
-        {"WS_EX_CONTEXTHELP", 0x400}, {"WS_EX_RIGHT", 0x1000}, {"WS_EX_LEFT", 0},
-        {"WS_EX_RTLREADING", 0x2000}, {"WS_EX_LTRREADING", 0}, {"WS_EX_LEFTSCROLLBAR", 0x4000},
-        {"WS_EX_RIGHTSCROLLBAR", 0}, {"WS_EX_CONTROLPARENT", 0x10000}, {"WS_EX_STATICEDGE", 0x20000},
-        {"WS_EX_APPWINDOW", 0x40000},
-        {"DS_ABSALIGN", 0x1}, {"DS_SYSMODAL", 0x2}, {"DS_3DLOOK", 0x4}, {"DS_FIXEDSYS", 0x8},
-        {"DS_NOFAILCREATE", 0x10}, {"DS_LOCALEDIT", 0x20}, {"DS_SETFONT", 0x40},
-        {"DS_MODALFRAME", 0x80}, {"DS_NOIDLEMSG", 0x100}, {"DS_SETFOREGROUND", 0x200},
-        {"DS_CONTROL", 0x400}, {"DS_CENTER", 0x800}, {"DS_CENTERMOUSE", 0x1000},
-        {"DS_CONTEXTHELP", 0x2000}, {"DS_SHELLFONT", 0x48},
-        {"BS_PUSHBUTTON", 0x0}, {"BS_DEFPUSHBUTTON", 0x1}, {"BS_CHECKBOX", 0x2},
-        {"BS_AUTOCHECKBOX", 0x3}, {"BS_RADIOBUTTON", 0x4}, {"BS_3STATE", 0x5}, {"BS_AUTO3STATE", 0x6},
-        {"BS_GROUPBOX", 0x7}, {"BS_USERBUTTON", 0x8}, {"BS_AUTORADIOBUTTON", 0x9},
-        {"BS_PUSHBOX", 0xA}, {"BS_OWNERDRAW", 0xB}, {"BS_TYPEMASK", 0xF}, {"BS_LEFTTEXT", 0x20},
-        {"BS_RIGHTBUTTON", 0x20}, {"BS_TEXT", 0}, {"BS_ICON", 0x40}, {"BS_BITMAP", 0x80},
-        {"BS_LEFT", 0x100}, {"BS_RIGHT", 0x200}, {"BS_CENTER", 0x300}, {"BS_TOP", 0x400},
-        {"BS_BOTTOM", 0x800}, {"BS_VCENTER", 0xC00}, {"BS_PUSHLIKE", 0x1000},
-        {"BS_MULTILINE", 0x2000}, {"BS_NOTIFY", 0x4000}, {"BS_FLAT", 0x8000},
-        {"ES_LEFT", 0x0}, {"ES_CENTER", 0x1}, {"ES_RIGHT", 0x2}, {"ES_MULTILINE", 0x4},
-        {"ES_UPPERCASE", 0x8}, {"ES_LOWERCASE", 0x10}, {"ES_PASSWORD", 0x20},
-        {"ES_AUTOVSCROLL", 0x40}, {"ES_AUTOHSCROLL", 0x80}, {"ES_NOHIDESEL", 0x100},
-        {"ES_OEMCONVERT", 0x400}, {"ES_READONLY", 0x800}, {"ES_WANTRETURN", 0x1000},
-        {"ES_NUMBER", 0x2000},
-        {"SS_LEFT", 0x0}, {"SS_CENTER", 0x1}, {"SS_RIGHT", 0x2}, {"SS_ICON", 0x3},
-        {"SS_BLACKRECT", 0x4}, {"SS_GRAYRECT", 0x5}, {"SS_WHITERECT", 0x6}, {"SS_BLACKFRAME", 0x7},
-        {"SS_GRAYFRAME", 0x8}, {"SS_WHITEFRAME", 0x9}, {"SS_USERITEM", 0xA}, {"SS_SIMPLE", 0xB},
-        {"SS_LEFTNOWORDWRAP", 0xC}, {"SS_OWNERDRAW", 0xD}, {"SS_BITMAP", 0xE},
-        {"SS_ENHMETAFILE", 0xF}, {"SS_ETCHEDHORZ", 0x10}, {"SS_ETCHEDVERT", 0x11},
-        {"SS_ETCHEDFRAME", 0x12}, {"SS_TYPEMASK", 0x1F}, {"SS_NOPREFIX", 0x80}, {"SS_NOTIFY", 0x100},
-        {"SS_CENTERIMAGE", 0x200}, {"SS_RIGHTJUST", 0x400}, {"SS_REALSIZEIMAGE", 0x800},
-        {"SS_SUNKEN", 0x1000}, {"SS_ENDELLIPSIS", 0x4000}, {"SS_PATHELLIPSIS", 0x8000},
-        {"SS_WORDELLIPSIS", 0xC000},
-        {"LBS_NOTIFY", 0x1}, {"LBS_SORT", 0x2}, {"LBS_NOREDRAW", 0x4}, {"LBS_MULTIPLESEL", 0x8},
-        {"LBS_OWNERDRAWFIXED", 0x10}, {"LBS_OWNERDRAWVARIABLE", 0x20}, {"LBS_HASSTRINGS", 0x40},
-        {"LBS_USETABSTOPS", 0x80}, {"LBS_NOINTEGRALHEIGHT", 0x100}, {"LBS_MULTICOLUMN", 0x200},
-        {"LBS_WANTKEYBOARDINPUT", 0x400}, {"LBS_EXTENDEDSEL", 0x800},
-        {"LBS_DISABLENOSCROLL", 0x1000}, {"LBS_NODATA", 0x2000}, {"LBS_NOSEL", 0x4000},
-        {"LBS_COMBOBOX", 0x8000}, {"LBS_STANDARD", 0x00A00003},
-        {"LANG_NEUTRAL", 0}, {"LANG_ENGLISH", 9}, {"LANG_GERMAN", 7}, {"SUBLANG_NEUTRAL", 0},
-        {"SUBLANG_DEFAULT", 1}, {"SUBLANG_SYS_DEFAULT", 2}, {"SUBLANG_ENGLISH_US", 1},
-        {"SUBLANG_ENGLISH_UK", 2}, {"SUBLANG_GERMAN", 1},
-    };
-    auto it = symbols.find(name);
-    if (it == symbols.end())
-        return std::nullopt;
-    return it->second;
 }
 
 ResourceScript parseResourceScript(const std::string &fileName, const std::string &text,

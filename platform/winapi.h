@@ -89,8 +89,8 @@ enum : UINT {
 
 /* Message boxes. */
 enum : UINT { MB_OK = 0x0000, MB_OKCANCEL = 0x0001, MB_YESNO = 0x0004, MB_ICONEXCLAMATION = 0x0030,
-              MB_ICONINFORMATION = 0x0040 };
-enum : UINT { MB_ABORTRETRYIGNORE = 0x0002, MB_YESNOCANCEL = 0x0003, MB_RETRYCANCEL = 0x0005,
+              MB_ICONINFORMATION = 0x0040,
+              MB_ABORTRETRYIGNORE = 0x0002, MB_YESNOCANCEL = 0x0003, MB_RETRYCANCEL = 0x0005,
               MB_ICONERROR = 0x0010, MB_ICONQUESTION = 0x0020, MB_DEFBUTTON2 = 0x0100,
               MB_DEFBUTTON3 = 0x0200 };
 enum : int { IDYES = 6, IDNO = 7 };
@@ -105,6 +105,7 @@ extern "C" {
 HWND GetFocus(void);
 HWND SetFocus(HWND window);
 HWND GetDlgItem(HWND dialog, int id);
+int GetDlgCtrlID(HWND control);
 BOOL SetWindowTextA(HWND window, LPCSTR text);
 int GetWindowTextA(HWND window, LPSTR buffer, int size);
 BOOL ShowWindow(HWND window, int command);

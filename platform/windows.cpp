@@ -507,6 +507,12 @@ HWND GetDlgItem(HWND dialog, int id)
     return w ? w->handle : nullptr;
 }
 
+int GetDlgCtrlID(HWND control)
+{
+    Window *w = findWindow(control);
+    return w && w->parent ? w->id : 0;
+}
+
 BOOL SetWindowTextA(HWND window, LPCSTR text)
 {
     Window *w = findWindow(window);

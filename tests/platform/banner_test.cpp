@@ -4,6 +4,8 @@
 */
 #include <gtest/gtest.h>
 
+#include <gnu/libc-version.h>
+
 #include "platform/driver.h"
 
 namespace {
@@ -40,6 +42,35 @@ TEST(Banner, OpensFromTheModuleOfTheCodeAndShowsEveryControl)
               "  > default 1\n"
               "[end] About Praxa: 1\n");
     EXPECT_EQ(platform::refusedDialogCount(), 0);
+}
+
+}
+
+namespace {
+
+TEST(Modules, HandlesByAddressAndByNameAgree)
+{
+    HMODULE fromAddress = nullptr, program = nullptr, libc = nullptr, libcByName = nullptr;
+    ASSERT_TRUE(GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<LPCSTR>(&bannerProcedure),
+                                   &fromAddress));
+    ASSERT_TRUE(GetModuleHandleExA(0, nullptr, &program));
+    EXPECT_EQ(fromAddress, program);    /* the test program holds the windowing system */
+    ASSERT_TRUE(GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<LPCSTR>(&gnu_get_libc_version),
+                                   &libc));
+    EXPECT_NE(libc, program);
+    ASSERT_TRUE(GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT, "libc.so.6", &libcByName));
+    EXPECT_EQ(libcByName, libc);
+
+    HMODULE none = program;
+    EXPECT_FALSE(GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, nullptr, &none));
+    EXPECT_EQ(none, nullptr);
+    EXPECT_FALSE(GetModuleHandleExA(0, "libnot-there.so", &none));
+    EXPECT_FALSE(GetModuleHandleExA(0, nullptr, nullptr));
+
+    /* Templates belong to their module: libc has none. */
+    platform::resetWindowing();
+    EXPECT_EQ(DialogBoxParamA(libc, "PRX_BANNER", nullptr, bannerProcedure, 0), -1);
+    EXPECT_EQ(platform::transcriptText(), "[error] Dialog template PRX_BANNER not found\n");
 }
 
 }

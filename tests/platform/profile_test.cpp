@@ -1,0 +1,186 @@
+/*
+** tests/platform/profile_test.cpp: settings files read and written through the private-profile
+** calls: values, defaults, truncation, lists, and writes that keep the rest of the file.
+*/
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "platform/driver.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class Profile : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        platform::resetWindowing();
+        char pattern[] = "/tmp/praxa-profile-XXXXXX";
+        ASSERT_NE(mkdtemp(pattern), nullptr);
+        folder = pattern;
+        path = folder + "/tervan.ini";
+    }
+    void TearDown() override { fs::remove_all(folder); }
+
+    void write(const std::string &text)
+    {
+        std::ofstream(path, std::ios::binary) << text;
+    }
+
+    std::string contents() const
+    {
+        std::ifstream in(path, std::ios::binary);
+        std::stringstream s;
+        s << in.rdbuf();
+        return s.str();
+    }
+
+    std::string get(const char *section, const char *key, const char *fallback = "", DWORD size = 64)
+    {
+        std::vector<char> buffer(size + 1, 'x');
+        DWORD n = GetPrivateProfileStringA(section, key, fallback, buffer.data(), size, path.c_str());
+        EXPECT_EQ(buffer[n], '\0');
+        return std::string(buffer.data(), n);
+    }
+
+    std::string folder, path;
+};
+
+const char *const settings =
+    "; Tervan settings\n"
+    "[Display]\n"
+    "width = 800\n"
+    "\n"
+    "[tervan]\n"
+    "# units\n"
+    "phaseUnits=212\n"
+    "  freqStart =  0.1  \n"
+    "title=\"Bode Plot\"\n"
+    "\n"
+    "[Other]\n"
+    "x=1\n";
+
+TEST_F(Profile, ReadsValuesWithoutRegardToCaseTrimmedAndUnquoted)
+{
+    write(settings);
+    EXPECT_EQ(get("tervan", "phaseUnits"), "212");
+    EXPECT_EQ(get("TERVAN", "FREQSTART"), "0.1");
+    EXPECT_EQ(get("tervan", "title"), "Bode Plot");
+    EXPECT_EQ(get("display", "width"), "800");
+    EXPECT_EQ(get("tervan", "width", "none"), "none");      /* keys belong to their section */
+    EXPECT_EQ(get("tervan", "magUnits", "216  "), "216");   /* trailing blanks of the default go */
+    EXPECT_EQ(get("nosection", "x", nullptr), "");
+    EXPECT_EQ(get("tervan", "units"), "");                  /* a comment is no key */
+    EXPECT_EQ(get("tervan", "phaseUnits", "", 3), "21");    /* size - 1 characters */
+    EXPECT_EQ(get("tervan", "phaseUnits", "", 1), "");
+}
+
+TEST_F(Profile, ListsSectionsAndKeysWithDoubleNul)
+{
+    write(settings);
+    char buffer[64];
+    DWORD n = GetPrivateProfileStringA(nullptr, nullptr, "", buffer, sizeof buffer, path.c_str());
+    EXPECT_EQ(std::string(buffer, n + 1), std::string("Display\0tervan\0Other\0", 22));
+    EXPECT_EQ(buffer[n], '\0');
+    n = GetPrivateProfileStringA("tervan", nullptr, "", buffer, sizeof buffer, path.c_str());
+    EXPECT_EQ(std::string(buffer, n), std::string("phaseUnits\0freqStart\0title\0", 27));
+    n = GetPrivateProfileStringA("tervan", nullptr, "", buffer, 8, path.c_str());
+    EXPECT_EQ(n, 6u);
+    EXPECT_EQ(std::string(buffer, 8), std::string("phaseU\0\0", 8));
+}
+
+TEST_F(Profile, MissingOrUnreadableFileReadsAsEmpty)
+{
+    EXPECT_EQ(get("tervan", "freqStart", "0.1"), "0.1");
+    std::string saved = path;
+    path = folder;                          /* a folder cannot be read as a file */
+    EXPECT_EQ(get("tervan", "freqStart", "7"), "7");
+    path = folder + "/no/such/dir/x.ini";
+    EXPECT_EQ(get("tervan", "freqStart", "8"), "8");
+    path = saved;
+    EXPECT_EQ(GetPrivateProfileStringA("tervan", "x", "d", nullptr, 10, path.c_str()), 0u);
+}
+
+TEST_F(Profile, WritesKeepEveryOtherLineOfTheFile)
+{
+    write(settings);
+    EXPECT_TRUE(WritePrivateProfileStringA("tervan", "PHASEUNITS", "213", path.c_str()));  /* replaced */
+    EXPECT_TRUE(WritePrivateProfileStringA("tervan", "magUnits", "215", path.c_str()));    /* appended */
+    EXPECT_TRUE(WritePrivateProfileStringA("Plots", "prxReusePlots", "1", path.c_str()));  /* new section */
+    EXPECT_TRUE(WritePrivateProfileStringA("Display", "width", nullptr, path.c_str()));    /* key deleted */
+    EXPECT_TRUE(WritePrivateProfileStringA("Other", nullptr, nullptr, path.c_str()));      /* section deleted */
+    EXPECT_TRUE(WritePrivateProfileStringA("Nothing", "here", nullptr, path.c_str()));     /* nothing to do */
+    EXPECT_EQ(contents(),
+              "; Tervan settings\n"
+              "[Display]\n"
+              "\n"
+              "[tervan]\n"
+              "# units\n"
+              "PHASEUNITS=213\n"
+              "  freqStart =  0.1  \n"
+              "title=\"Bode Plot\"\n"
+              "magUnits=215\n"
+              "\n"
+              "[Plots]\n"
+              "prxReusePlots=1\n");
+    EXPECT_EQ(get("tervan", "phaseunits"), "213");
+    EXPECT_EQ(get("plots", "PRXREUSEPLOTS"), "1");
+    EXPECT_EQ(platform::settingsWriteFailures(), 0);
+    EXPECT_EQ(platform::transcript().size(), 0u);
+}
+
+TEST_F(Profile, NewFileAndWindowsLineBreaksAreKept)
+{
+    EXPECT_TRUE(WritePrivateProfileStringA("tervan", "freqSteps", "50", path.c_str()));
+    EXPECT_EQ(contents(), "[tervan]\nfreqSteps=50\n");
+    struct stat info{};
+    ASSERT_EQ(stat(path.c_str(), &info), 0);
+    EXPECT_NE(info.st_mode & S_IRUSR, 0u);
+
+    write("[tervan]\r\n; note\r\nfreqSteps=50\r\n");
+    EXPECT_TRUE(WritePrivateProfileStringA("tervan", "freqStop", "100", path.c_str()));
+    EXPECT_EQ(contents(), "[tervan]\r\n; note\r\nfreqSteps=50\r\nfreqStop=100\r\n");
+
+    write("[tervan]\n; only a comment\n\n[b]\n");
+    EXPECT_TRUE(WritePrivateProfileStringA("tervan", "k", "v", path.c_str()));
+    EXPECT_EQ(contents(), "[tervan]\n; only a comment\nk=v\n\n[b]\n");
+    for (const auto &entry : fs::directory_iterator(folder))    /* no temporary file left */
+        EXPECT_EQ(entry.path().filename(), "tervan.ini");
+}
+
+TEST_F(Profile, WriteThatCannotBeDoneLeavesTheFileAndSaysWhy)
+{
+    std::string missingFolder = folder + "/missing/tervan.ini";
+    EXPECT_FALSE(WritePrivateProfileStringA("tervan", "k", "1", missingFolder.c_str()));
+    write("[tervan]\nk=0\n");
+    std::string underFile = path + "/tervan.ini";   /* its folder is a file */
+    EXPECT_FALSE(WritePrivateProfileStringA("tervan", "k", "1", underFile.c_str()));
+    EXPECT_FALSE(WritePrivateProfileStringA("tervan", "k", "1", folder.c_str()));   /* a folder */
+    EXPECT_FALSE(WritePrivateProfileStringA("tervan", "k", "two\nlines", path.c_str()));
+    EXPECT_EQ(contents(), "[tervan]\nk=0\n");
+    EXPECT_EQ(platform::settingsWriteFailures(), 4);
+    EXPECT_EQ(platform::transcript(),
+              (std::vector<std::string>{
+                  "[error] Cannot write settings file " + missingFolder + ": No such file or directory",
+                  "[error] Cannot write settings file " + underFile + ": Not a directory",
+                  "[error] Cannot write settings file " + folder + ": the file cannot be read: Is a directory",
+                  "[error] Cannot write settings file " + path + ": a line break in the section, key or value"}));
+    platform::resetWindowing();
+    EXPECT_EQ(platform::settingsWriteFailures(), 0);
+}
+
+TEST_F(Profile, AllNullWriteOnlyFlushes)
+{
+    EXPECT_FALSE(WritePrivateProfileStringA(nullptr, nullptr, nullptr, path.c_str()));
+    EXPECT_FALSE(fs::exists(path));
+    EXPECT_EQ(platform::settingsWriteFailures(), 0);
+}
+
+}
