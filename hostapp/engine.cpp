@@ -118,7 +118,7 @@ void orderForEvaluation(Diagram &diagram)
         return;
 
     /* Every block left waits for another one left: walk back along such inputs until
-    ** a block repeats; that stretch is a loop. */
+    ** a block repeats; that stretch is a loop, named from its first block in the file. */
     size_t at = 0;
     while (waitingFor[at] == 0)
         ++at;
@@ -133,10 +133,12 @@ void orderForEvaluation(Diagram &diagram)
             }
         }
     }
+    std::vector<size_t> cycle(std::find(walk.begin(), walk.end(), at), walk.end());
+    std::reverse(cycle.begin(), cycle.end());
+    std::rotate(cycle.begin(), std::min_element(cycle.begin(), cycle.end()), cycle.end());
     std::vector<Block *> loop;
-    for (auto it = std::find(walk.begin(), walk.end(), at); it != walk.end(); ++it)
-        loop.push_back(leaves[*it]);
-    std::reverse(loop.begin(), loop.end());
+    for (size_t index : cycle)
+        loop.push_back(leaves[index]);
     loop.push_back(loop.front());
     throw DiagramError{loop.front()->line,
                        "algebraic loop: " + quotedPaths(loop, " -> ") +
