@@ -12,8 +12,12 @@
 
 /* Eigenvalues of the top-left n x n block of a (a is not modified) into roots[0..n-1],
 ** in deflation order, complex pairs adjacent with the negative imaginary part first.
-** n < 1: nothing is written. */
+** n < 1: nothing is written.  Slow convergence is reported with debMsg ("EigenSolver:
+** over %d iterations and only %d roots") and the iteration goes on; if it still fails
+** after 20 such restarts, or the matrix holds an infinite or NaN element, the roots not
+** found are NaN.  n beyond a's rows or columns: refused with a message, roots set to 0. */
 void eigenValues(Complex *roots, const Matrix *a, int32_t n);
+/* The steps of eigenValues, on its work copy (1-based indices in the algorithms). */
 void balanceMatrix(Matrix *a, int32_t n);
 void hessenbergReduce(Matrix *a, int32_t n);
 /* wr, wi: 1-based arrays of n + 1 doubles. Destroys a. */

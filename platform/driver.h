@@ -22,7 +22,7 @@ enum class ActionKind {
     Uncheck,    /* check box set unchecked (click if checked) */
     Select,     /* list box entry `index` selected */
     Focus,      /* focus moved to the control */
-    Cancel,     /* the Esc key: WM_COMMAND IDCANCEL */
+    Cancel,     /* the Esc key: WM_COMMAND IDCANCEL (no control) */
 };
 
 struct DialogAction {
@@ -41,22 +41,29 @@ size_t pendingDialogActions();
 /* Number of dialogs that refused the default button (a refused entry) and were cancelled. */
 int refusedDialogCount();
 
+/* Number of actions that could not be carried out (no such control, disabled control, wrong
+** kind of control, list entry out of range, too many actions): each is an "[error]" line. */
+int scriptErrorCount();
+
+/* The answer of the next message box (IDOK, IDYES, IDNO, ...), in order. Without one a
+** message box answers with its default button: IDOK, or IDYES for MB_YESNO. */
+void queueMessageBoxAnswer(int answer);
+
+/* Number of settings-file writes that failed (each is an "[error]" line). */
+int settingsWriteFailures();
+
 /* The transcript: one entry per line. */
 const std::vector<std::string> &transcript();
 std::string transcriptText();
 void clearTranscript();
 void transcriptNote(const std::string &line);
 
-/* Refusals and errors seen by the driver and the settings files. */
-int scriptErrorCount();
-int settingsWriteFailures();
-
-/* The host's main window, with its menu bar. */
+/* The host's main window, with its menu bar "&File", "&Edit", "&View", "&Simulate", "&Help"
+** (empty popups); it has the focus while no dialog is open. */
 HWND createMainWindow(const char *title);
-/* Messages sent or posted to the main window go to this handler (the host's). */
+
+/* Receives what is sent or posted to the main window (WM_COMMAND 234, 255 from the plug-in). */
 void setMainWindowHandler(std::function<LRESULT(UINT, WPARAM, LPARAM)> handler);
-/* Answer the next message box with this result instead of the default. */
-void queueMessageBoxAnswer(int answer);
 
 /* Resets the whole windowing state (tests). */
 void resetWindowing();

@@ -106,3 +106,43 @@ TEST(CommandLine, MissingPluginIsAClearError)
 }
 
 }
+
+namespace {
+
+TEST(CommandLine, ScriptRunsCommandsInOrderWithTheirDialogActions)
+{
+    TempDir dir;
+    writeFile(dir.file("session.txt"), "# two toggles and the about box\nreuse-plots\nabout\n  cancel\nreuse-plots\nreuse-plots\n");
+    RunResult run = runPraxa("--settings " + dir.file("s.ini") + " --script " + dir.file("session.txt"));
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_NE(run.out.find("  > cancel\n  > default 1\n[end] About Praxa: 1\n"), std::string::npos) << run.out;
+    EXPECT_EQ(readFile(dir.file("s.ini")), "[tervan]\nprxReusePlots=1\n");
+}
+
+TEST(CommandLine, ScriptErrorsNameTheLine)
+{
+    TempDir dir;
+    writeFile(dir.file("a.txt"), "about\n  type x y\n");
+    RunResult run = runPraxa("--script " + dir.file("a.txt"));
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.err, "praxa: " + dir.file("a.txt") + ":2: dialog action 'type': 'x' is not a control id\n");
+
+    writeFile(dir.file("b.txt"), "  click 1\n");
+    run = runPraxa("--script " + dir.file("b.txt"));
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.err, "praxa: " + dir.file("b.txt") + ":1: a dialog action must follow a command\n");
+
+    run = runPraxa("--script " + dir.file("missing.txt"));
+    EXPECT_EQ(run.status, 2);
+    EXPECT_NE(run.err.find("cannot read script"), std::string::npos);
+}
+
+TEST(CommandLine, ActionsNoDialogUsedMakeTheRunFail)
+{
+    TempDir dir;
+    RunResult run = runPraxa("--settings " + dir.file("s.ini") + " reuse-plots --click 5");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err, "praxa: command line: 1 dialog action(s) were not used by any dialog\n");
+}
+
+}

@@ -1,0 +1,79 @@
+/*
+** tests/numeric/numeric_support.h: building matrices from literals, reading the
+** message transcript, and random matrices for the comparisons against LAPACK.
+*/
+#ifndef PRAXA_TESTS_NUMERIC_SUPPORT_H
+#define PRAXA_TESTS_NUMERIC_SUPPORT_H
+
+#include <initializer_list>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "host/host.h"
+#include "hostapp/host_state.h"
+#include "numeric/matrix.h"
+#include "platform/driver.h"
+
+namespace testing_numeric {
+
+/* A rows x cols matrix from its rows, as written on paper; freed by the caller (gfree). */
+inline Matrix *fromRows(uint32_t rows, uint32_t cols, std::initializer_list<double> values)
+{
+    Matrix *m = matDecl(rows, cols);
+    auto it = values.begin();
+    for (uint32_t i = 0; i < rows; i++)
+        for (uint32_t j = 0; j < cols; j++)
+            m->data[j * rows + i] = *it++;
+    return m;
+}
+
+inline double &el(Matrix *m, uint32_t i, uint32_t j) { return m->data[j * m->rows + i]; }
+
+/* Transcript lines that contain text. */
+inline int linesWith(const std::string &text)
+{
+    int count = 0;
+    for (const std::string &line : platform::transcript())
+        if (line.find(text) != std::string::npos)
+            count++;
+    return count;
+}
+
+/* Index of the first transcript line that contains text, or -1. */
+inline int lineIndexOf(const std::string &text)
+{
+    const auto &lines = platform::transcript();
+    for (size_t i = 0; i < lines.size(); i++)
+        if (lines[i].find(text) != std::string::npos)
+            return (int)i;
+    return -1;
+}
+
+inline void resetMessages()
+{
+    platform::clearTranscript();
+    hostapp::host().blockErrors = 0;
+}
+
+/* n x n matrix of independent normal entries, column-major. */
+inline std::vector<double> randomSquare(std::mt19937_64 &rng, int n)
+{
+    std::normal_distribution<double> normal;
+    std::vector<double> values((size_t)n * n);
+    for (double &v : values)
+        v = normal(rng);
+    return values;
+}
+
+inline Matrix *toMatrix(const std::vector<double> &columnMajor, uint32_t rows, uint32_t cols)
+{
+    Matrix *m = matDecl(rows, cols);
+    for (size_t k = 0; k < (size_t)rows * cols; k++)
+        m->data[k] = columnMajor[k];
+    return m;
+}
+
+}
+
+#endif

@@ -1,0 +1,203 @@
+/*
+** Singular value decomposition against LAPACK (dgesvd) and against its own
+** definition: A = U W V^T with orthonormal U and V, singular values equal as sets,
+** and matInvert(A) A = I for well-conditioned A.
+**
+** Bounds.  The decomposition is backward stable, so ||A - U W V^T||_F and the
+** departures from orthogonality are at most c(n) eps ||A||_F with c(n) = 10 n.
+** Singular values are perfectly conditioned (Weyl): each differs from LAPACK's by at
+** most 2 c(n) eps ||A||_2.  For the inverse, ||X A - I|| <= c(n) eps cond(A).
+*/
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <lapacke.h>
+
+#include "numeric/svd.h"
+#include "numeric_support.h"
+
+using namespace testing_numeric;
+
+namespace {
+
+const double eps = std::numeric_limits<double>::epsilon();
+
+std::vector<double> randomMatrix(std::mt19937_64 &rng, int m, int n)
+{
+    std::normal_distribution<double> normal;
+    std::vector<double> a((size_t)m * n);
+    for (double &v : a)
+        v = normal(rng);
+    return a;
+}
+
+std::vector<double> lapackSingularValues(std::vector<double> a, int m, int n)
+{
+    std::vector<double> s(std::min(m, n)), superb(std::min(m, n));
+    EXPECT_EQ(LAPACKE_dgesvd(LAPACK_COL_MAJOR, 'N', 'N', m, n, a.data(), m, s.data(), nullptr, 1,
+                             nullptr, 1, superb.data()), 0);
+    return s;
+}
+
+double frobenius(const std::vector<double> &a)
+{
+    double s = 0;
+    for (double v : a)
+        s += v * v;
+    return std::sqrt(s);
+}
+
+struct Checked {
+    double reconstruction, orthogonalityV, orthogonalityU, values;   /* each over its bound */
+};
+
+Checked checkDecomposition(const std::vector<double> &a, int m, int n)
+{
+    Matrix *u = toMatrix(a, m, n);
+    Matrix *v = matDecl(n, n);
+    std::vector<double> w(n + 1);
+    EXPECT_EQ(svDecompose(u, w.data(), v), 1);
+    const double bound = 10.0 * n * eps * std::max(frobenius(a), 1e-300);
+    Checked c{};
+    double rec = 0, ov = 0, ou = 0;
+    for (int i = 0; i < m; i++)
+        for (int j = 0; j < n; j++) {
+            double s = 0;
+            for (int k = 0; k < n; k++)
+                s += el(u, i, k) * w[k + 1] * el(v, j, k);
+            rec += (a[(size_t)j * m + i] - s) * (a[(size_t)j * m + i] - s);
+        }
+    for (int i = 0; i < n; i++)
+        for (int j = 0; j < n; j++) {
+            double sv = 0, su = 0;
+            for (int k = 0; k < n; k++)
+                sv += el(v, k, i) * el(v, k, j);
+            for (int k = 0; k < m; k++)
+                su += el(u, k, i) * el(u, k, j);
+            double id = i == j ? 1.0 : 0.0;
+            ov += (sv - id) * (sv - id);
+            ou += (su - id) * (su - id);
+        }
+    c.reconstruction = std::sqrt(rec) / bound;
+    c.orthogonalityV = std::sqrt(ov) / (10.0 * n * eps);
+    c.orthogonalityU = std::sqrt(ou) / (10.0 * n * eps);
+
+    std::vector<double> ours(w.begin() + 1, w.end());
+    for (double s : ours)
+        EXPECT_GE(s, 0.0);
+    std::sort(ours.rbegin(), ours.rend());
+    std::vector<double> ref = lapackSingularValues(a, m, n);
+    for (int k = 0; k < n; k++)
+        c.values = std::max(c.values, std::fabs(ours[k] - ref[k]) / (2 * 10.0 * n * eps * ref[0]));
+    gfree(u);
+    gfree(v);
+    return c;
+}
+
+}
+
+class SvdAgainstLapack : public ::testing::Test {
+protected:
+    void SetUp() override { resetMessages(); }
+};
+
+TEST_F(SvdAgainstLapack, SquareAndTallRandomMatrices)
+{
+    std::mt19937_64 rng(314159);
+    Checked worst{};
+    for (int trial = 0; trial < 200; trial++) {
+        int n = 1 + trial % 40;
+        int m = trial % 4 == 3 ? n + 1 + trial % 7 : n;
+        std::vector<double> a = randomMatrix(rng, m, n);
+        if (trial % 5 == 2 && n > 2)        /* rank deficient: two equal columns */
+            std::copy(a.begin(), a.begin() + m, a.begin() + m);
+        Checked c = checkDecomposition(a, m, n);
+        EXPECT_LE(c.reconstruction, 1.0) << m << "x" << n;
+        EXPECT_LE(c.orthogonalityV, 1.0) << m << "x" << n;
+        EXPECT_LE(c.orthogonalityU, 1.0) << m << "x" << n;
+        EXPECT_LE(c.values, 1.0) << m << "x" << n;
+        worst.reconstruction = std::max(worst.reconstruction, c.reconstruction);
+        worst.values = std::max(worst.values, c.values);
+    }
+    RecordProperty("worstReconstruction", std::to_string(worst.reconstruction));
+    RecordProperty("worstValues", std::to_string(worst.values));
+    EXPECT_EQ(platform::transcript().size(), 0u) << platform::transcriptText();
+}
+
+TEST_F(SvdAgainstLapack, GradedSingularValues)
+{
+    /* U diag(1, 1e-3, ..., 1e-3(n-1)) V^T: small values are still found to eps ||A||. */
+    std::mt19937_64 rng(8);
+    for (int n : {3, 8, 15}) {
+        std::vector<double> q1 = randomMatrix(rng, n, n), q2 = randomMatrix(rng, n, n), tau(n);
+        LAPACKE_dgeqrf(LAPACK_COL_MAJOR, n, n, q1.data(), n, tau.data());
+        LAPACKE_dorgqr(LAPACK_COL_MAJOR, n, n, n, q1.data(), n, tau.data());
+        LAPACKE_dgeqrf(LAPACK_COL_MAJOR, n, n, q2.data(), n, tau.data());
+        LAPACKE_dorgqr(LAPACK_COL_MAJOR, n, n, n, q2.data(), n, tau.data());
+        std::vector<double> a((size_t)n * n, 0.0);
+        for (int k = 0; k < n; k++) {
+            double s = std::pow(1e-3, k);
+            for (int j = 0; j < n; j++)
+                for (int i = 0; i < n; i++)
+                    a[(size_t)j * n + i] += q1[(size_t)k * n + i] * s * q2[(size_t)k * n + j];
+        }
+        Checked c = checkDecomposition(a, n, n);
+        EXPECT_LE(c.reconstruction, 1.0);
+        EXPECT_LE(c.values, 1.0);
+    }
+}
+
+TEST_F(SvdAgainstLapack, InverseOfWellConditionedMatrices)
+{
+    std::mt19937_64 rng(2718);
+    for (int trial = 0; trial < 60; trial++) {
+        int n = 1 + trial % 30;
+        /* Diagonally dominant: condition number below about 10. */
+        std::vector<double> a = randomMatrix(rng, n, n);
+        for (int i = 0; i < n; i++)
+            a[(size_t)i * n + i] += (a[(size_t)i * n + i] >= 0 ? 3.0 : -3.0) * std::sqrt((double)n);
+        Matrix *x = toMatrix(a, n, n);
+        ASSERT_EQ(matInvert(x), 1);
+        double err = 0;
+        for (int i = 0; i < n; i++)
+            for (int j = 0; j < n; j++) {
+                double s = 0;
+                for (int k = 0; k < n; k++)
+                    s += el(x, i, k) * a[(size_t)j * n + k];
+                err = std::max(err, std::fabs(s - (i == j ? 1.0 : 0.0)));
+            }
+        EXPECT_LE(err, 10.0 * n * eps * 10.0) << "n=" << n;
+        gfree(x);
+    }
+    EXPECT_EQ(platform::transcript().size(), 0u) << platform::transcriptText();
+}
+
+TEST_F(SvdAgainstLapack, PseudoInverseSolvesLeastSquares)
+{
+    /* Full-rank square systems: the solve agrees with LAPACK's dgesv. */
+    std::mt19937_64 rng(1);
+    for (int n : {1, 2, 5, 12, 25}) {
+        std::vector<double> a = randomMatrix(rng, n, n), b = randomMatrix(rng, n, 1);
+        for (int i = 0; i < n; i++)
+            a[(size_t)i * n + i] += 2.0 * std::sqrt((double)n);
+        std::vector<double> lu = a, ref = b;
+        std::vector<lapack_int> piv(n);
+        ASSERT_EQ(LAPACKE_dgesv(LAPACK_COL_MAJOR, n, 1, lu.data(), n, piv.data(), ref.data(), n), 0);
+        Matrix *am = toMatrix(a, n, n), *bm = toMatrix(b, n, 1), *xm = matDecl(n, 1);
+        EXPECT_EQ(singularValueDecomp(am, bm, xm), 0);
+        for (int i = 0; i < n; i++)
+            EXPECT_NEAR(xm->data[i], ref[i], 1e3 * eps * (1 + std::fabs(ref[i])));
+        Matrix *pinv = toMatrix(a, n, n);
+        EXPECT_EQ(singularValueDecomp(pinv, nullptr, nullptr), 0);
+        for (int i = 0; i < n; i++) {
+            double s = 0;
+            for (int k = 0; k < n; k++)
+                s += el(pinv, i, k) * b[k];
+            EXPECT_NEAR(s, ref[i], 1e3 * eps * (1 + std::fabs(ref[i])));
+        }
+        for (Matrix *m : {am, bm, xm, pinv})
+            gfree(m);
+    }
+}

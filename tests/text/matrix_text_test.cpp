@@ -1,0 +1,196 @@
+/*
+** printMatrix: the bracketed block texts on the screen (one message box) and in the
+** result file, and texts larger than the buffer.
+*/
+#include <algorithm>
+#include <cstdio>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "host/host.h"
+#include "hostapp/host_state.h"
+#include "numeric/matrix.h"
+#include "shell/text.h"
+#include "text_support.h"
+
+using namespace testing_text;
+
+namespace {
+
+Matrix *fromRows(uint32_t rows, uint32_t cols, std::initializer_list<double> values)
+{
+    Matrix *m = matDecl(rows, cols);
+    auto it = values.begin();
+    for (uint32_t i = 0; i < rows; i++)
+        for (uint32_t j = 0; j < cols; j++)
+            m->data[j * rows + i] = *it++;
+    return m;
+}
+
+class MatrixText : public ::testing::Test {
+protected:
+    PrecisionScope precision{6};
+    int16_t savedChoice = linOutputChoice;
+    void SetUp() override
+    {
+        platform::clearTranscript();
+        linOutputChoice = LIN_OUTPUT_SCREEN;
+    }
+    void TearDown() override { linOutputChoice = savedChoice; }
+
+    /* Runs print in file mode into a fresh file and returns the file's text. */
+    template <typename Print> std::string inFile(Print print)
+    {
+        hostapp::host().outputDir = ::testing::TempDir();
+        linOutputChoice = LIN_OUTPUT_FILE;
+        EXPECT_NE(fileOpen("matrix_text.m", FILE_OPEN_WRITE_CREATE_TRUNC), 0);
+        print();
+        fileClose();
+        linOutputChoice = LIN_OUTPUT_SCREEN;
+        return readFile(hostapp::outputPath("matrix_text.m"));
+    }
+};
+
+}
+
+TEST_F(MatrixText, TwoByTwoOnScreenIsOneMessageBox)
+{
+    Matrix *m = fromRows(2, 2, {1, 2, 3, 4});
+    printMatrix("a = ", m);
+    ASSERT_EQ(messageBoxTexts().size(), 1u);
+    EXPECT_EQ(messageBoxTexts()[0], "a = [1 2 ;\n    3 4 ];\n");
+    gfree(m);
+}
+
+TEST_F(MatrixText, SmallShapes)
+{
+    Matrix *one = fromRows(1, 1, {5});
+    printMatrix("a = ", one);
+    printMatrix("a = ", nullptr);
+    Matrix *vector = matDecl(3, 0);
+    vector->data[0] = 1;
+    vector->data[1] = 2;
+    vector->data[2] = 3;
+    printMatrix("b = ", vector);
+    Matrix *noRows = matDecl(0, 3);
+    printMatrix("c = ", noRows);
+    Matrix *emptyVector = matDecl(0, 0);
+    printMatrix("d = ", emptyVector);
+    Matrix *column = fromRows(3, 1, {-0.5, 0, 1e10});
+    printMatrix("b = ", column);
+    std::vector<std::string> boxes = messageBoxTexts();
+    ASSERT_EQ(boxes.size(), 6u);
+    EXPECT_EQ(boxes[0], "a = [5 ];\n");
+    EXPECT_EQ(boxes[1], "a = [];\n");
+    EXPECT_EQ(boxes[2], "b = [1 2 3 ];\n");
+    EXPECT_EQ(boxes[3], "c = [];\n");
+    EXPECT_EQ(boxes[4], "d = [];\n");
+    EXPECT_EQ(boxes[5], "b = [-.5 ;\n    0 ;\n    1e+010 ];\n");
+    for (Matrix *m : {one, vector, noRows, emptyVector, column})
+        gfree(m);
+}
+
+TEST_F(MatrixText, IndentFollowsTheNameUpToEightBlanks)
+{
+    Matrix *m = fromRows(2, 3, {1, 2, 3, 4, 5, 6});
+    printMatrix("transfer = ", m);
+    printMatrix("x=", m);
+    printMatrix("", m);
+    printMatrix(nullptr, m);
+    std::vector<std::string> boxes = messageBoxTexts();
+    ASSERT_EQ(boxes.size(), 4u);
+    EXPECT_EQ(boxes[0], "transfer = [1 2 3 ;\n        4 5 6 ];\n");
+    EXPECT_EQ(boxes[1], "x=[1 2 3 ;\n  4 5 6 ];\n");
+    EXPECT_EQ(boxes[2], "[1 2 3 ;\n4 5 6 ];\n");
+    EXPECT_EQ(boxes[3], boxes[2]);
+    gfree(m);
+}
+
+TEST_F(MatrixText, PercentInTheNameIsShownAsItself)
+{
+    Matrix *m = fromRows(1, 1, {2});
+    printMatrix("%s%d = ", m);
+    ASSERT_EQ(messageBoxTexts().size(), 1u);
+    EXPECT_EQ(messageBoxTexts()[0], "%s%d = [2 ];\n");
+    std::string file = inFile([&] { printMatrix("%s = ", m); });
+    EXPECT_EQ(file, "%s = [2 ];\n");
+    gfree(m);
+}
+
+TEST_F(MatrixText, FileModeWritesTheSameText)
+{
+    Matrix *a = fromRows(2, 2, {1, 2, 3, 4});
+    Matrix *b = matDecl(2, 0);
+    b->data[0] = 0.25;
+    b->data[1] = -100;
+    std::string file = inFile([&] {
+        printMatrix("a = ", a);
+        printMatrix("b = ", b);
+        printMatrix("d = ", nullptr);
+    });
+    EXPECT_EQ(file, "a = [1 2 ;\n    3 4 ];\nb = [.25 -100 ];\nd = [];\n");
+    EXPECT_TRUE(messageBoxTexts().empty());
+    gfree(a);
+    gfree(b);
+}
+
+TEST_F(MatrixText, AnyChoiceOtherThanScreenIsFileMode)
+{
+    Matrix *a = fromRows(1, 1, {7});
+    linOutputChoice = 0;            /* not yet chosen: only 208 means the screen */
+    printMatrix("a = ", a);         /* no file open: the host drops the text */
+    EXPECT_TRUE(messageBoxTexts().empty());
+    gfree(a);
+}
+
+TEST_F(MatrixText, ScreenTextLargerThanTheBufferIsSplitAtLineEnds)
+{
+    /* 40 x 40 of 12-character numbers: about 21000 bytes, several message boxes. */
+    PrecisionScope longDigits(12);
+    const uint32_t n = 40;
+    Matrix *m = matDecl(n, n);
+    for (uint32_t k = 0; k < n * n; k++)
+        m->data[k] = -1.0 / (k + 3.0);
+    printMatrix("big = ", m);
+    std::vector<std::string> boxes = messageBoxTexts();
+    ASSERT_GT(boxes.size(), 4u);
+    std::string joined;
+    for (size_t i = 0; i < boxes.size(); i++) {
+        EXPECT_LT(boxes[i].size(), 4096u);
+        if (i + 1 < boxes.size()) {
+            EXPECT_EQ(boxes[i].substr(boxes[i].size() - 2), ";\n");   /* whole lines */
+        }
+        joined += boxes[i];
+    }
+    std::string expected = inFile([&] { printMatrix("big = ", m); });
+    EXPECT_EQ(joined, expected);
+    EXPECT_EQ(expected.substr(0, 22), "big = [-.333333333333 ");
+    EXPECT_EQ(std::count(expected.begin(), expected.end(), '\n'), (long)n);
+    gfree(m);
+}
+
+TEST_F(MatrixText, LineLongerThanTheBufferIsSplitBetweenElements)
+{
+    /* A vector of 2000 values is one line of about 24000 bytes. */
+    PrecisionScope longDigits(10);
+    Matrix *v = matDecl(2000, 0);
+    for (uint32_t k = 0; k < 2000; k++)
+        v->data[k] = 1.0 + k / 7.0;
+    printMatrix("v = ", v);
+    std::vector<std::string> boxes = messageBoxTexts();
+    ASSERT_GT(boxes.size(), 5u);
+    std::string joined;
+    for (size_t i = 0; i < boxes.size(); i++) {
+        EXPECT_LT(boxes[i].size(), 4096u);
+        if (i + 1 < boxes.size()) {
+            EXPECT_EQ(boxes[i].back(), ' ');                          /* element boundary */
+        }
+        joined += boxes[i];
+    }
+    std::string expected = inFile([&] { printMatrix("v = ", v); });
+    EXPECT_EQ(joined, expected);
+    EXPECT_EQ(expected.substr(0, 18), "v = [1 1.142857143");
+    EXPECT_EQ(expected.substr(expected.size() - 4), " ];\n");
+    gfree(v);
+}
