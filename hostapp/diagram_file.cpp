@@ -112,7 +112,10 @@ const std::pair<const char *, uint8_t> dataTypes[] = {
     {"matrix", SIGNAL_TYPE_MATRIX_A},
 };
 
+/* Limits that keep a hostile file from exhausting memory or the stack. */
 const int MAX_PORTS = 64;
+const int MAX_BLOCK_STATES = 1000;
+const int MAX_NESTING = 32;
 
 bool isContinuousStateType(BlockType type)
 {
@@ -155,19 +158,25 @@ private:
         throw DiagramError{lines_.lineOf(pointer), message};
     }
 
-    double number(const json &spec, const char *key, const std::string &pointer, const std::string &what) const;
-    double optionalNumber(const json &spec, const char *key, double otherwise, const std::string &pointer,
+    double number(const json &fields, const char *key, const std::string &pointer, const std::string &what) const;
+    double optionalNumber(const json &fields, const char *key, double otherwise, const std::string &pointer,
                           const std::string &what) const;
     std::vector<double> numbers(const json &value, const std::string &pointer, const std::string &what) const;
-    int optionalCount(const json &spec, const char *key, int otherwise, const std::string &pointer,
+    void checkOrder(size_t states, const std::string &pointer, const std::string &what) const
+    {
+        if (states > (size_t)MAX_BLOCK_STATES)
+            fail(pointer, what + ": " + std::to_string(states) + " states are more than the " +
+                              std::to_string(MAX_BLOCK_STATES) + " a block may hold");
+    }
+    int optionalCount(const json &fields, const char *key, int otherwise, const std::string &pointer,
                       const std::string &what) const;
 
     void readBlocks(const json &list, const std::string &pointer, Block *parent,
                     std::vector<std::unique_ptr<Block>> &blocks);
-    void readParameters(Block &block, const json &spec, const std::string &pointer);
-    void readStateSpace(Block &block, const json &spec, const std::string &pointer);
-    void readCompound(Block &block, const json &spec, const std::string &pointer);
-    void readWires(const json &spec, const std::string &pointer, Block *owner,
+    void readParameters(Block &block, const json &fields, const std::string &pointer);
+    void readStateSpace(Block &block, const json &fields, const std::string &pointer);
+    void readCompound(Block &block, const json &fields, const std::string &pointer);
+    void readWires(const json &fields, const std::string &pointer, Block *owner,
                    std::vector<std::unique_ptr<Block>> &scope);
     Point *scopePoint(std::vector<std::unique_ptr<Block>> &scope, const std::string &text, bool defaultIsInput,
                       std::string &error) const;
@@ -177,20 +186,20 @@ private:
     Point *readReference(const json &root, const char *key);
 };
 
-double Loader::number(const json &spec, const char *key, const std::string &pointer, const std::string &what) const
+double Loader::number(const json &fields, const char *key, const std::string &pointer, const std::string &what) const
 {
-    if (!spec.contains(key))
+    if (!fields.contains(key))
         fail(pointer, what + ": missing parameter '" + key + "'");
-    const json &value = spec[key];
+    const json &value = fields[key];
     if (!value.is_number())
         fail(pointer + "/" + key, what + ": parameter '" + key + "' must be a number");
     return value.get<double>();
 }
 
-double Loader::optionalNumber(const json &spec, const char *key, double otherwise, const std::string &pointer,
+double Loader::optionalNumber(const json &fields, const char *key, double otherwise, const std::string &pointer,
                               const std::string &what) const
 {
-    return spec.contains(key) ? number(spec, key, pointer, what) : otherwise;
+    return fields.contains(key) ? number(fields, key, pointer, what) : otherwise;
 }
 
 std::vector<double> Loader::numbers(const json &value, const std::string &pointer, const std::string &what) const
@@ -208,10 +217,10 @@ std::vector<double> Loader::numbers(const json &value, const std::string &pointe
     return list;
 }
 
-int Loader::optionalCount(const json &spec, const char *key, int otherwise, const std::string &pointer,
+int Loader::optionalCount(const json &fields, const char *key, int otherwise, const std::string &pointer,
                           const std::string &what) const
 {
-    double count = optionalNumber(spec, key, otherwise, pointer, what);
+    double count = optionalNumber(fields, key, otherwise, pointer, what);
     if (count != std::floor(count) || count < 1 || count > MAX_PORTS)
         fail(pointer + "/" + key, what + ": parameter '" + key + "' must be a whole number from 1 to " +
                                       std::to_string(MAX_PORTS));
@@ -272,17 +281,22 @@ void Loader::readBlocks(const json &list, const std::string &pointer, Block *par
                         std::vector<std::unique_ptr<Block>> &blocks)
 {
     std::string where = parent ? " of compound block '" + parent->path + "'" : "";
+    int depth = 0;
+    for (Block *outer = parent; outer; outer = outer->parent)
+        ++depth;
+    if (depth > MAX_NESTING)
+        fail(pointer, "compound blocks nest more than " + std::to_string(MAX_NESTING) + " deep" + where);
     if (!list.is_array())
         fail(pointer, "\"blocks\"" + where + " must be a list of blocks");
     for (size_t i = 0; i < list.size(); ++i) {
-        const json &spec = list[i];
+        const json &fields = list[i];
         std::string at = pointer + "/" + std::to_string(i);
         std::string ordinal = "block #" + std::to_string(i + 1) + where;
-        if (!spec.is_object())
+        if (!fields.is_object())
             fail(at, ordinal + " must be an object with \"id\" and \"type\"");
-        if (!spec.contains("id") || !spec["id"].is_string())
+        if (!fields.contains("id") || !fields["id"].is_string())
             fail(at, ordinal + ": missing parameter 'id' (a text)");
-        std::string id = spec["id"].get<std::string>();
+        std::string id = fields["id"].get<std::string>();
         if (id.empty() || id.find_first_of("./") != std::string::npos)
             fail(at + "/id", ordinal + ": the id '" + id + "' must be a nonempty name without '.' or '/'");
         auto block = std::make_unique<Block>();
@@ -293,44 +307,44 @@ void Loader::readBlocks(const json &list, const std::string &pointer, Block *par
         for (const auto &other : blocks)
             if (other->id == id)
                 fail(at + "/id", "block '" + block->path + "': the id is used twice");
-        if (!spec.contains("type") || !spec["type"].is_string())
+        if (!fields.contains("type") || !fields["type"].is_string())
             fail(at, "block '" + block->path + "': missing parameter 'type' (a text)");
-        std::string type = spec["type"].get<std::string>();
+        std::string type = fields["type"].get<std::string>();
         if (!blockTypeFromName(type, block->type))
             fail(at + "/type", "block '" + block->path + "': unknown block type '" + type + "'");
-        readParameters(*block, spec, at);
+        readParameters(*block, fields, at);
         blocks.push_back(std::move(block));
     }
 }
 
-void Loader::readParameters(Block &block, const json &spec, const std::string &pointer)
+void Loader::readParameters(Block &block, const json &fields, const std::string &pointer)
 {
     std::string what = "block '" + block.path + "'";
     std::vector<std::string> allowed = {"id", "type", "comment"};
     int inputs = 1, outputs = 1;
     switch (block.type) {
     case BlockType::Constant:
-        block.value = number(spec, "value", pointer, what);
+        block.value = number(fields, "value", pointer, what);
         inputs = 0;
         allowed.insert(allowed.end(), {"value"});
         break;
     case BlockType::Step:
-        block.value = number(spec, "value", pointer, what);
-        block.stepTime = optionalNumber(spec, "time", 0.0, pointer, what);
-        block.initialValue = optionalNumber(spec, "initialValue", 0.0, pointer, what);
+        block.value = number(fields, "value", pointer, what);
+        block.stepTime = optionalNumber(fields, "time", 0.0, pointer, what);
+        block.initialValue = optionalNumber(fields, "initialValue", 0.0, pointer, what);
         inputs = 0;
         allowed.insert(allowed.end(), {"value", "time", "initialValue"});
         break;
     case BlockType::Gain:
-        block.gain = number(spec, "gain", pointer, what);
+        block.gain = number(fields, "gain", pointer, what);
         allowed.push_back("gain");
         break;
     case BlockType::Sum:
         block.signs = "++";
-        if (spec.contains("signs")) {
-            if (!spec["signs"].is_string())
+        if (fields.contains("signs")) {
+            if (!fields["signs"].is_string())
                 fail(pointer + "/signs", what + ": parameter 'signs' must be a text of '+' and '-'");
-            block.signs = spec["signs"].get<std::string>();
+            block.signs = fields["signs"].get<std::string>();
         }
         if (block.signs.empty() || block.signs.size() > (size_t)MAX_PORTS ||
             block.signs.find_first_not_of("+-") != std::string::npos)
@@ -339,12 +353,12 @@ void Loader::readParameters(Block &block, const json &spec, const std::string &p
         allowed.push_back("signs");
         break;
     case BlockType::Product:
-        inputs = optionalCount(spec, "inputs", 2, pointer, what);
+        inputs = optionalCount(fields, "inputs", 2, pointer, what);
         allowed.push_back("inputs");
         break;
     case BlockType::Saturation:
-        block.lower = number(spec, "lower", pointer, what);
-        block.upper = number(spec, "upper", pointer, what);
+        block.lower = number(fields, "lower", pointer, what);
+        block.upper = number(fields, "upper", pointer, what);
         if (block.lower > block.upper)
             fail(pointer + "/lower", what + ": 'lower' is above 'upper'");
         allowed.insert(allowed.end(), {"lower", "upper"});
@@ -359,10 +373,11 @@ void Loader::readParameters(Block &block, const json &spec, const std::string &p
     case BlockType::TransferFunction:
     case BlockType::DiscreteTransferFunction: {
         for (const char *key : {"num", "den"})
-            if (!spec.contains(key))
+            if (!fields.contains(key))
                 fail(pointer, what + ": missing parameter '" + key + "'");
-        std::vector<double> num = numbers(spec["num"], pointer + "/num", what + ": parameter 'num'");
-        std::vector<double> den = numbers(spec["den"], pointer + "/den", what + ": parameter 'den'");
+        std::vector<double> num = numbers(fields["num"], pointer + "/num", what + ": parameter 'num'");
+        std::vector<double> den = numbers(fields["den"], pointer + "/den", what + ": parameter 'den'");
+        checkOrder(den.empty() ? 0 : den.size() - 1, pointer + "/den", what);
         std::string error;
         if (!realizeTransferFunction(num, den, block.linear, error))
             fail(pointer, what + ": " + error);
@@ -371,20 +386,20 @@ void Loader::readParameters(Block &block, const json &spec, const std::string &p
     }
     case BlockType::StateSpace:
     case BlockType::DiscreteStateSpace:
-        readStateSpace(block, spec, pointer);
+        readStateSpace(block, fields, pointer);
         allowed.insert(allowed.end(), {"a", "b", "c", "d"});
         break;
     case BlockType::UnitDelay:
         break;
     case BlockType::Compound:
-        readCompound(block, spec, pointer);
+        readCompound(block, fields, pointer);
         allowed.insert(allowed.end(), {"blocks", "wires", "inputs", "outputs"});
         inputs = outputs = -1;
         break;
     case BlockType::Plot:
-        inputs = optionalCount(spec, "inputs", 1, pointer, what);
+        inputs = optionalCount(fields, "inputs", 1, pointer, what);
         outputs = 0;
-        if (spec.contains("title") && !spec["title"].is_string())
+        if (fields.contains("title") && !fields["title"].is_string())
             fail(pointer + "/title", what + ": parameter 'title' must be a text");
         allowed.insert(allowed.end(), {"inputs", "title"});
         break;
@@ -393,29 +408,27 @@ void Loader::readParameters(Block &block, const json &spec, const std::string &p
     size_t stateCount = block.type == BlockType::UnitDelay ? 1 : (size_t)block.linear.n;
     block.state.assign(stateCount, 0.0);
     block.next.assign(stateCount, 0.0);
-    bool hasState = block.type == BlockType::UnitDelay || block.linear.n > 0 || isContinuousStateType(block.type) ||
-                    isDiscreteType(block.type);
-    if (hasState) {
+    if (isContinuousStateType(block.type) || isDiscreteType(block.type)) {
         allowed.push_back("initial");
-        if (spec.contains("initial"))
-            setInitial(block, spec["initial"], pointer + "/initial");
+        if (fields.contains("initial"))
+            setInitial(block, fields["initial"], pointer + "/initial");
     }
     if (isContinuousStateType(block.type)) {
         /* By default state blocks are ordered as they stand in the file. */
         block.orderKeys[0] = (double)stateCount;
-        block.orderKeys[1] = optionalNumber(spec, "stateOrder", ++continuousStateBlocks_, pointer, what);
+        block.orderKeys[1] = optionalNumber(fields, "stateOrder", ++continuousStateBlocks_, pointer, what);
         allowed.push_back("stateOrder");
     }
     if (isDiscreteType(block.type)) {
-        block.samplePeriod = optionalNumber(spec, "samplePeriod", defaultSamplePeriod_, pointer, what);
+        block.samplePeriod = optionalNumber(fields, "samplePeriod", defaultSamplePeriod_, pointer, what);
         if (block.samplePeriod < 0)
             fail(pointer + "/samplePeriod", what + ": 'samplePeriod' must not be negative");
         allowed.push_back("samplePeriod");
     }
     if (outputs > 0 && block.isLeaf()) {
         allowed.push_back("dataType");
-        if (spec.contains("dataType")) {
-            const json &name = spec["dataType"];
+        if (fields.contains("dataType")) {
+            const json &name = fields["dataType"];
             auto found = std::find_if(std::begin(dataTypes), std::end(dataTypes),
                                       [&](const auto &type) { return name.is_string() && name == type.first; });
             if (found == std::end(dataTypes))
@@ -424,7 +437,7 @@ void Loader::readParameters(Block &block, const json &spec, const std::string &p
             block.dataType = found->second;
         }
     }
-    for (const auto &entry : spec.items())
+    for (const auto &entry : fields.items())
         if (std::find(allowed.begin(), allowed.end(), entry.key()) == allowed.end())
             fail(pointer + "/" + entry.key(), what + ": a " + blockTypeName(block.type) +
                                                   " block has no parameter '" + entry.key() + "'");
@@ -461,15 +474,16 @@ void Loader::readParameters(Block &block, const json &spec, const std::string &p
     }
 }
 
-void Loader::readStateSpace(Block &block, const json &spec, const std::string &pointer)
+void Loader::readStateSpace(Block &block, const json &fields, const std::string &pointer)
 {
     std::string what = "block '" + block.path + "'";
     for (const char *key : {"a", "b", "c"})
-        if (!spec.contains(key))
+        if (!fields.contains(key))
             fail(pointer, what + ": missing parameter '" + key + "'");
-    const json &a = spec["a"];
+    const json &a = fields["a"];
     if (!a.is_array())
         fail(pointer + "/a", what + ": parameter 'a' must be a list of rows");
+    checkOrder(a.size(), pointer + "/a", what);
     LinearSystem &sys = block.linear;
     sys.n = (int)a.size();
     for (size_t i = 0; i < a.size(); ++i) {
@@ -479,29 +493,29 @@ void Loader::readStateSpace(Block &block, const json &spec, const std::string &p
                  what + ": 'a' must be square (" + std::to_string(a.size()) + " numbers in each row)");
         sys.a.insert(sys.a.end(), row.begin(), row.end());
     }
-    sys.b = numbers(spec["b"], pointer + "/b", what + ": parameter 'b'");
-    sys.c = numbers(spec["c"], pointer + "/c", what + ": parameter 'c'");
+    sys.b = numbers(fields["b"], pointer + "/b", what + ": parameter 'b'");
+    sys.c = numbers(fields["c"], pointer + "/c", what + ": parameter 'c'");
     for (const char *key : {"b", "c"})
         if ((key[0] == 'b' ? sys.b : sys.c).size() != a.size())
             fail(pointer + "/" + key, what + ": parameter '" + key + "' must hold " + std::to_string(a.size()) +
                                           " numbers, one per state");
-    sys.d = optionalNumber(spec, "d", 0.0, pointer, what);
+    sys.d = optionalNumber(fields, "d", 0.0, pointer, what);
 }
 
-void Loader::readCompound(Block &block, const json &spec, const std::string &pointer)
+void Loader::readCompound(Block &block, const json &fields, const std::string &pointer)
 {
     std::string what = "compound block '" + block.path + "'";
-    if (!spec.contains("blocks"))
+    if (!fields.contains("blocks"))
         fail(pointer, what + ": missing parameter 'blocks'");
-    readBlocks(spec["blocks"], pointer + "/blocks", &block, block.children);
+    readBlocks(fields["blocks"], pointer + "/blocks", &block, block.children);
     if (block.children.empty())
         fail(pointer + "/blocks", what + " holds no blocks");
 
     for (bool isInput : {true, false}) {
         const char *key = isInput ? "inputs" : "outputs";
-        if (!spec.contains(key))
+        if (!fields.contains(key))
             continue;
-        const json &list = spec[key];
+        const json &list = fields[key];
         if (!list.is_array() || list.size() > (size_t)MAX_PORTS)
             fail(pointer + "/" + key, what + ": '" + key + "' must be a list of inner ports");
         for (size_t k = 0; k < list.size(); ++k) {
@@ -541,7 +555,7 @@ void Loader::readCompound(Block &block, const json &spec, const std::string &poi
             (isInput ? block.inputs : block.outputs).push_back(std::move(port));
         }
     }
-    readWires(spec, pointer, &block, block.children);
+    readWires(fields, pointer, &block, block.children);
 }
 
 Point *Loader::scopePoint(std::vector<std::unique_ptr<Block>> &scope, const std::string &text, bool defaultIsInput,
@@ -558,13 +572,13 @@ Point *Loader::scopePoint(std::vector<std::unique_ptr<Block>> &scope, const std:
     return nullptr;
 }
 
-void Loader::readWires(const json &spec, const std::string &pointer, Block *owner,
+void Loader::readWires(const json &fields, const std::string &pointer, Block *owner,
                        std::vector<std::unique_ptr<Block>> &scope)
 {
-    if (!spec.contains("wires"))
+    if (!fields.contains("wires"))
         return;
     std::string where = owner ? " in '" + owner->path + "'" : "";
-    const json &wires = spec["wires"];
+    const json &wires = fields["wires"];
     if (!wires.is_array())
         fail(pointer + "/wires", "\"wires\"" + where + " must be a list of [\"from\", \"to\"] pairs");
     for (size_t i = 0; i < wires.size(); ++i) {

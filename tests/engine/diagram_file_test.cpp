@@ -189,3 +189,25 @@ TEST_F(DiagramFile, RefusedFileLeavesThePreviousDiagram)
 }
 
 }
+
+namespace {
+
+TEST_F(DiagramFile, HostileSizesAreRefused)
+{
+    std::string den = "[1";
+    for (int i = 0; i < 1001; ++i)
+        den += ", 0";
+    den += "]";
+    EXPECT_EQ(refusal(R"({"blocks": [{"id": "big", "type": "transferFunction", "num": [1], "den": )" + den + "}]}"),
+              "bad.json:1: block 'big': 1001 states are more than the 1000 a block may hold");
+    EXPECT_EQ(refusal(R"({"blocks": [{"id": "empty", "type": "transferFunction", "num": [1], "den": []}]})"),
+              "bad.json:1: block 'empty': the denominator's leading coefficient is 0");
+
+    std::string nested = R"({"id": "k", "type": "gain", "gain": 1})";
+    for (int i = 0; i < 40; ++i)
+        nested = R"({"id": "c", "type": "compound", "blocks": [)" + nested + "]}";
+    std::string error = refusal(R"({"blocks": [)" + nested + "]}");
+    EXPECT_NE(error.find("compound blocks nest more than 32 deep"), std::string::npos) << error;
+}
+
+}
