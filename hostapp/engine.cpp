@@ -54,7 +54,6 @@ std::string quotedPaths(const std::vector<Block *> &blocks, const char *separato
     return text;
 }
 
-
 }
 
 Diagram *currentDiagram()
