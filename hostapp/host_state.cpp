@@ -3,6 +3,8 @@
 */
 #include "hostapp/host_state.h"
 
+#include "hostapp/plots.h"
+
 namespace hostapp {
 
 HostState &host()
@@ -20,6 +22,7 @@ std::string outputPath(const std::string &name)
 
 void resetHost()
 {
+    clearPlotBlocks();
     host() = HostState{};
 }
 

@@ -12,6 +12,7 @@
 #include "host/host.h"
 #include "hostapp/host_state.h"
 #include "hostapp/messages.h"
+#include "hostapp/plots.h"
 #include "platform/driver.h"
 
 namespace {
@@ -118,9 +119,10 @@ void setWaitCursor(uint8_t on)
     hostapp::host().waitCursor = on != 0;
 }
 
-void invalidateWin(HWND)
+void invalidateWin(HWND window)
 {
     hostapp::host().repaints++;
+    hostapp::repaintPlotWindow(window);
 }
 
 const char *getIniFileName(void)

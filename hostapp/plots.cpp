@@ -1,0 +1,301 @@
+/*
+** hostapp/plots.cpp: the host's plot blocks and the plot services the plug-in
+** imports (makePlotNode, allocOverPlotBuffers, preallocDList, setXYPlotBounds,
+** showNode) and request 75.  Every plot block and all memory hung on it is the host's.
+*/
+#include "hostapp/plots.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <cstring>
+#include <memory>
+
+#include "host/host.h"
+#include "hostapp/host_state.h"
+#include "hostapp/plot_bounds.h"
+#include "hostapp/svg_plot.h"
+#include "platform/driver.h"
+
+namespace hostapp {
+
+namespace {
+
+/* The x and y point buffers of one trace (request 75). */
+struct TraceBuffers {
+    PlotPointBuffer coordinate[2] = {};
+};
+
+/* A plot block with its record and buffers. */
+struct PlotBlock {
+    HostBlock block{};
+    PlotRecord record{};
+    int x = 0, y = 0;
+    char windowTag = 0;                 /* its address is the block's window handle */
+    std::vector<std::unique_ptr<TraceBuffers>> buffers;
+    bool shown = false;
+    std::string fileName;
+
+    PlotBlock(int atX, int atY) : x(atX), y(atY)
+    {
+        block.kind = PLOT_BLOCK_KIND;
+        block.window = reinterpret_cast<HWND>(&windowTag);
+        block.kindRecord = &record;
+    }
+
+    ~PlotBlock()
+    {
+        freeBuffers();
+        for (PlotTrace &t : record.traces)
+            gfree(t.points.items);
+        /* The parameter record and its parameter array belong to the plot.  The
+        ** zero-branch array is not freed: the plug-in sets that pointer only after
+        ** some runs, so it may hold no allocation at all. */
+        if (record.paramInfo) {
+            gfree(record.paramInfo->parameters);
+            gfree(record.paramInfo);
+        }
+    }
+
+    void freeBuffers()
+    {
+        for (auto &pair : buffers)
+            for (PlotPointBuffer &b : pair->coordinate)
+                gfree(b.values);
+        buffers.clear();
+    }
+
+    PlotView view() const
+    {
+        PlotView v;
+        v.record = &record;
+        for (const auto &pair : buffers) {
+            v.xBuffers.push_back(&pair->coordinate[0]);
+            v.yBuffers.push_back(&pair->coordinate[1]);
+        }
+        return v;
+    }
+
+    PlotBlock(const PlotBlock &) = delete;
+    PlotBlock &operator=(const PlotBlock &) = delete;
+};
+
+std::vector<std::unique_ptr<PlotBlock>> &store()
+{
+    static std::vector<std::unique_ptr<PlotBlock>> blocks;
+    return blocks;
+}
+
+PlotBlock *findBlock(const HostBlock *block)
+{
+    for (auto &p : store())
+        if (&p->block == block)
+            return p.get();
+    return nullptr;
+}
+
+PlotBlock *findByRecord(const PlotRecord *record)
+{
+    for (auto &p : store())
+        if (&p->record == record)
+            return p.get();
+    return nullptr;
+}
+
+/* The plot whose trace slot `points` is; sets *trace. */
+PlotBlock *findByTraceList(const HostList *points, int *trace)
+{
+    for (auto &p : store())
+        for (int k = 0; k < PLOT_MAX_TRACES; ++k)
+            if (&p->record.traces[k].points == points) {
+                *trace = k;
+                return p.get();
+            }
+    return nullptr;
+}
+
+/* A point count of the record as a count of doubles to reserve: the plug-in stores
+** a signed step count there, so a "negative" count reserves nothing. */
+uint32_t reservableCount(uint32_t pointCount)
+{
+    return pointCount > (uint32_t)INT32_MAX ? 0 : pointCount;
+}
+
+double *newValues(uint32_t count)
+{
+    if (count == 0)
+        return nullptr;
+    double *values = (double *)galloc((uint64_t)count * sizeof(double));
+    std::fill(values, values + count, NAN);   /* unwritten points are not drawn */
+    return values;
+}
+
+void addTraceBuffers(PlotBlock &p, uint32_t capacity)
+{
+    auto pair = std::make_unique<TraceBuffers>();
+    for (PlotPointBuffer &b : pair->coordinate) {
+        b.capacity = capacity;
+        b.highestIndex = 0;
+        b.values = newValues(capacity);
+    }
+    p.buffers.push_back(std::move(pair));
+}
+
+/* A file name for the plot's title, unique among the live plots. */
+std::string fileNameFor(const PlotBlock &p)
+{
+    std::string base;
+    for (char c : recordText(p.record.title, sizeof p.record.title)) {
+        bool kept = std::isalnum((unsigned char)c) || std::strchr(" -_.,()+", c);
+        base += (kept && (unsigned char)c < 0x80) ? c : '_';
+    }
+    if (base.size() > 100)
+        base.resize(100);
+    if (base.empty() || base[0] == '.')
+        base = "Plot" + base;
+    for (int n = 1;; ++n) {
+        std::string name = n == 1 ? base + ".svg" : base + " (" + std::to_string(n) + ").svg";
+        bool taken = std::any_of(store().begin(), store().end(), [&](const auto &other) {
+            return other.get() != &p && other->fileName == name;
+        });
+        if (!taken)
+            return name;
+    }
+}
+
+/* Writes the plot's picture; says in the transcript which file, or why not. */
+void writePlot(PlotBlock &p, bool note)
+{
+    std::string path = outputPath(p.fileName);
+    std::string error;
+    if (!writeSvgFile(path, renderPlotSvg(p.view()), &error))
+        platform::transcriptNote("[plot] cannot write " + path + ": " + error);
+    else if (note)
+        platform::transcriptNote("[plot] " + p.fileName);
+}
+
+}
+
+PlotPointBuffer *plotPointBuffer(PlotRecord *plot, int selector)
+{
+    PlotBlock *p = findByRecord(plot);
+    int trace = selector >> 8, coordinate = selector & 0xFF;
+    if (!p || trace < 0 || trace >= MAX_PLOT_BUFFER_TRACES || coordinate > 1)
+        return nullptr;
+    while ((int)p->buffers.size() <= trace)
+        addTraceBuffers(*p, 0);
+    return &p->buffers[(size_t)trace]->coordinate[coordinate];
+}
+
+HostBlock *createPlotBlock(int x, int y)
+{
+    store().push_back(std::make_unique<PlotBlock>(x, y));
+    return &store().back()->block;
+}
+
+void deletePlotBlock(HostBlock *block)
+{
+    if (!findBlock(block))
+        return;
+    if (host().plugin.event)
+        host().plugin.event(253, (intptr_t)block);
+    auto &blocks = store();
+    blocks.erase(std::remove_if(blocks.begin(), blocks.end(),
+                                [&](const auto &p) { return &p->block == block; }),
+                 blocks.end());
+}
+
+void clearPlotBlocks()
+{
+    store().clear();
+}
+
+std::vector<HostBlock *> plotBlocks()
+{
+    std::vector<HostBlock *> blocks;
+    for (auto &p : store())
+        blocks.push_back(&p->block);
+    return blocks;
+}
+
+bool isPlotBlock(const HostBlock *block)
+{
+    return findBlock(block) != nullptr;
+}
+
+std::string plotFileName(const HostBlock *block)
+{
+    const PlotBlock *p = findBlock(block);
+    return p ? p->fileName : std::string();
+}
+
+bool repaintPlotWindow(HWND window)
+{
+    for (auto &p : store())
+        if (p->block.window == window) {
+            if (p->shown)
+                writePlot(*p, false);
+            return true;
+        }
+    return false;
+}
+
+}
+
+using namespace hostapp;
+
+extern "C" {
+
+HostBlock *makePlotNode(int x, int y)
+{
+    return createPlotBlock(x, y);
+}
+
+void allocOverPlotBuffers(HostBlock *plot, int traceCount)
+{
+    PlotBlock *p = findBlock(plot);
+    if (!p)
+        return;
+    /* Room for the plot's point count in every buffer; the plug-in grows a buffer
+    ** itself when it stores past the end. */
+    int traces = std::clamp(traceCount, 1, MAX_PLOT_BUFFER_TRACES);
+    uint32_t capacity = reservableCount(p->record.pointCount);
+    p->freeBuffers();
+    for (int k = 0; k < traces; ++k)
+        addTraceBuffers(*p, capacity);
+}
+
+void preallocDList(HostList *tracePoints, uint32_t *pointIndex)
+{
+    int trace = 0;
+    PlotBlock *p = findByTraceList(tracePoints, &trace);
+    if (!p || pointIndex != &p->record.pointIndex)
+        return;
+    /* One spare element, so that a writer counting points from 1 cannot run past the end. */
+    uint32_t count = reservableCount(p->record.pointCount);
+    uint32_t reserved = count ? count + 1 : 0;
+    gfree(tracePoints->items);
+    tracePoints->items = (void **)newValues(reserved);
+    tracePoints->capacity = reserved;
+    tracePoints->count = 0;
+}
+
+/* The bounds flag is not needed here: the kind of plot follows from its record. */
+void setXYPlotBounds(HostBlock *plot, uint8_t, int)
+{
+    PlotBlock *p = findBlock(plot);
+    if (p)
+        setBoundsFromData(p->record, p->view());
+}
+
+void showNode(HostBlock *plot)
+{
+    PlotBlock *p = findBlock(plot);
+    if (!p)
+        return;
+    p->shown = true;
+    p->fileName = fileNameFor(*p);
+    writePlot(*p, true);
+}
+
+}

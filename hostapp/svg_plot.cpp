@@ -1,0 +1,489 @@
+/*
+** hostapp/svg_plot.cpp: drawing a plot block as SVG.  Frequency plots draw their
+** traces over the sweep, Nyquist plots trace 0 (real) against trace 1 (imaginary),
+** root locus plots one branch per request-75 buffer pair.
+*/
+#include "hostapp/svg_plot.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+
+#include "hostapp/plot_bounds.h"
+
+namespace hostapp {
+
+namespace {
+
+constexpr double WIDTH = 800, HEIGHT = 500;
+constexpr double AREA_LEFT = 80, AREA_TOP = 50, AREA_RIGHT = 610, AREA_BOTTOM = 440;
+constexpr double LEGEND_X = 625, LEGEND_Y = 60, LEGEND_LINE = 18;
+constexpr int MAX_LEGEND_ENTRIES = 16;
+constexpr int MAX_TICKS = 60;
+/* Pixel coordinates beyond this are not drawn (keeps the numbers in the file sane). */
+constexpr double FAR_AWAY = 1e12;
+
+const char *const PALETTE[] = {"#1f77b4", "#d62728", "#2ca02c", "#ff7f0e", "#9467bd",
+                               "#8c564b", "#e377c2", "#17becf", "#7f7f7f", "#bcbd22"};
+constexpr int PALETTE_SIZE = sizeof PALETTE / sizeof PALETTE[0];
+
+std::string escapeXml(const std::string &text)
+{
+    std::string out;
+    for (char c : text) {
+        unsigned char u = (unsigned char)c;
+        switch (c) {
+        case '&': out += "&amp;"; break;
+        case '<': out += "&lt;"; break;
+        case '>': out += "&gt;"; break;
+        case '"': out += "&quot;"; break;
+        case '\'': out += "&apos;"; break;
+        default: out += (u < 0x20 || u >= 0x7F) ? '?' : c;    /* record texts are plain ASCII */
+        }
+    }
+    return out;
+}
+
+std::string number(double v, const char *format = "%.2f")
+{
+    char text[64];
+    std::snprintf(text, sizeof text, format, v);
+    return text;
+}
+
+/* One axis: the values shown from lo to hi over pixels from p0 to p1. */
+struct Axis {
+    double lo = 0, hi = 1;
+    bool logarithmic = false;
+    bool decibels = false;              /* values are ratios shown as 20 log10 */
+    double p0 = 0, p1 = 1;
+
+    /* The value as placed on the axis (NaN when it cannot be shown). */
+    double scaled(double v) const
+    {
+        if (!std::isfinite(v))
+            return NAN;
+        if (decibels)
+            return v > 0 ? 20.0 * std::log10(v) : NAN;
+        if (logarithmic)
+            return v > 0 ? std::log10(v) : NAN;
+        return v;
+    }
+
+    double pixelOfScaled(double s) const
+    {
+        double a = scaledLo(), b = scaledHi();
+        double p = p0 + (s - a) / (b - a) * (p1 - p0);
+        return std::fabs(p) > FAR_AWAY ? NAN : p;
+    }
+
+    double pixel(double v) const { return pixelOfScaled(scaled(v)); }
+    double scaledLo() const { return logarithmic ? std::log10(lo) : lo; }
+    double scaledHi() const { return logarithmic ? std::log10(hi) : hi; }
+};
+
+/* Sets the axis range from the record's bounds, or from the data when those are
+** not usable (a plot shown without bounds). */
+void chooseRange(Axis &axis, double recordLo, double recordHi, const std::vector<double> &data)
+{
+    double lo = recordLo, hi = recordHi;
+    if (axis.decibels) {
+        lo = lo > 0 ? 20.0 * std::log10(lo) : NAN;
+        hi = hi > 0 ? 20.0 * std::log10(hi) : NAN;
+    }
+    bool usable = std::isfinite(lo) && std::isfinite(hi) && lo < hi && (!axis.logarithmic || lo > 0);
+    if (!usable) {
+        double range[2] = {INFINITY, -INFINITY};
+        for (double v : data) {
+            double s = axis.decibels ? axis.scaled(v) : v;
+            if (std::isfinite(s) && (!axis.logarithmic || s > 0)) {
+                range[0] = std::min(range[0], s);
+                range[1] = std::max(range[1], s);
+            }
+        }
+        niceBounds(range, axis.logarithmic);
+        lo = range[0];
+        hi = range[1];
+    }
+    axis.lo = lo;
+    axis.hi = hi;
+}
+
+struct Tick {
+    double scaled;                      /* position on the axis in scaled units */
+    std::string label;                  /* empty: a minor grid line */
+};
+
+std::string linearTickLabel(double v, double step)
+{
+    if (std::fabs(v) < step * 1e-9)
+        v = 0.0;
+    if (std::fabs(v) >= 1e6 || step < 1e-4)
+        return number(v, "%g");
+    int decimals = std::clamp((int)-std::floor(std::log10(step) + 1e-9), 0, 6);
+    char text[64];
+    std::snprintf(text, sizeof text, "%.*f", decimals, v);
+    return text;
+}
+
+std::string decadeLabel(int decade)
+{
+    if (decade >= 0 && decade <= 5)
+        return "1" + std::string((size_t)decade, '0');
+    if (decade < 0 && decade >= -4)
+        return "0." + std::string((size_t)(-decade - 1), '0') + "1";
+    return "1e" + std::to_string(decade);
+}
+
+std::vector<Tick> ticksOf(const Axis &axis)
+{
+    std::vector<Tick> ticks;
+    double a = axis.scaledLo(), b = axis.scaledHi();
+    if (axis.logarithmic) {
+        int first = (int)std::ceil(a - 1e-9), last = (int)std::floor(b + 1e-9);
+        int every = std::max(1, (last - first) / 12 + 1);
+        for (int d = first; d <= last && (int)ticks.size() < MAX_TICKS; ++d)
+            ticks.push_back({(double)d, (d - first) % every == 0 ? decadeLabel(d) : ""});
+        if (last - first <= 8)
+            for (int d = first - 1; d <= last; ++d)
+                for (int m = 2; m <= 9; ++m) {
+                    double s = d + std::log10((double)m);
+                    if (s > a && s < b)
+                        ticks.push_back({s, ""});
+                }
+        if (first > last) {
+            /* Less than a decade shown: name the two ends. */
+            ticks.push_back({a, number(axis.lo, "%.3g")});
+            ticks.push_back({b, number(axis.hi, "%.3g")});
+        }
+        return ticks;
+    }
+    double step = niceStep(b - a);
+    if (axis.decibels && step < 20.0 && (b - a) / 20.0 <= 8.0 && std::fmod(b - a, 20.0) == 0.0)
+        step = 20.0;                    /* whole decades of the ratio */
+    double first = std::ceil(a / step - 1e-9), last = std::floor(b / step + 1e-9);
+    for (double k = first; k <= last && (int)ticks.size() < MAX_TICKS; k += 1.0)
+        ticks.push_back({k * step, linearTickLabel(k * step, step)});
+    return ticks;
+}
+
+/* Clips the segment (x0,y0)-(x1,y1) to the plot area (Liang-Barsky); false when
+** nothing of it is inside. */
+bool clipSegment(double &x0, double &y0, double &x1, double &y1)
+{
+    double t0 = 0.0, t1 = 1.0, dx = x1 - x0, dy = y1 - y0;
+    const double p[4] = {-dx, dx, -dy, dy};
+    const double q[4] = {x0 - AREA_LEFT, AREA_RIGHT - x0, y0 - AREA_TOP, AREA_BOTTOM - y0};
+    for (int i = 0; i < 4; ++i) {
+        if (p[i] == 0.0) {
+            if (q[i] < 0.0)
+                return false;
+            continue;
+        }
+        double t = q[i] / p[i];
+        if (p[i] < 0.0)
+            t0 = std::max(t0, t);
+        else
+            t1 = std::min(t1, t);
+        if (t0 > t1)
+            return false;
+    }
+    double sx = x0, sy = y0;
+    x0 = sx + t0 * dx;
+    y0 = sy + t0 * dy;
+    x1 = sx + t1 * dx;
+    y1 = sy + t1 * dy;
+    return true;
+}
+
+bool inside(double x, double y)
+{
+    return x >= AREA_LEFT && x <= AREA_RIGHT && y >= AREA_TOP && y <= AREA_BOTTOM;
+}
+
+struct Pixel {
+    double x = NAN, y = NAN;
+    bool valid() const { return std::isfinite(x) && std::isfinite(y); }
+};
+
+/* Path data of a curve: broken where points are missing, clipped to the area.
+** Every point inside the area is one vertex; *drawn counts them. */
+std::string curvePath(const std::vector<Pixel> &points, size_t *drawn, std::vector<Pixel> *lonePoints)
+{
+    std::string d;
+    Pixel pen;
+    *drawn = 0;
+    for (size_t i = 0; i < points.size(); ++i) {
+        const Pixel &p = points[i];
+        if (!p.valid())
+            continue;
+        bool previousValid = i > 0 && points[i - 1].valid();
+        bool nextValid = i + 1 < points.size() && points[i + 1].valid();
+        if (!previousValid) {
+            if (!nextValid && inside(p.x, p.y))
+                lonePoints->push_back(p);
+            continue;
+        }
+        double x0 = points[i - 1].x, y0 = points[i - 1].y, x1 = p.x, y1 = p.y;
+        if (!clipSegment(x0, y0, x1, y1))
+            continue;
+        if (!(pen.valid() && pen.x == x0 && pen.y == y0)) {
+            d += (d.empty() ? "M" : " M") + number(x0) + "," + number(y0);
+            *drawn += inside(points[i - 1].x, points[i - 1].y) ? 1 : 0;
+        }
+        d += " L" + number(x1) + "," + number(y1);
+        *drawn += inside(p.x, p.y) ? 1 : 0;
+        pen = {x1, y1};
+    }
+    return d;
+}
+
+struct Legend {
+    std::string heading;
+    struct Entry {
+        std::string colour, label;
+        bool marker = false;            /* a cross marker instead of a line */
+    };
+    std::vector<Entry> entries;
+};
+
+class SvgWriter {
+public:
+    std::string text;
+
+    void line(double x0, double y0, double x1, double y1, const std::string &attributes)
+    {
+        text += "<line x1=\"" + number(x0) + "\" y1=\"" + number(y0) + "\" x2=\"" + number(x1) +
+                "\" y2=\"" + number(y1) + "\" " + attributes + "/>\n";
+    }
+
+    void label(double x, double y, const std::string &content, const std::string &attributes)
+    {
+        text += "<text x=\"" + number(x) + "\" y=\"" + number(y) + "\" " + attributes + ">" +
+                escapeXml(content) + "</text>\n";
+    }
+};
+
+void drawGridAndTicks(SvgWriter &svg, const Axis &x, const Axis &y)
+{
+    svg.text += "<g class=\"grid\" stroke=\"#e0e0e0\" stroke-width=\"1\">\n";
+    for (const Tick &t : ticksOf(x)) {
+        double px = x.pixelOfScaled(t.scaled);
+        svg.line(px, AREA_TOP, px, AREA_BOTTOM, t.label.empty() ? "stroke=\"#f0f0f0\"" : "");
+    }
+    for (const Tick &t : ticksOf(y)) {
+        double py = y.pixelOfScaled(t.scaled);
+        svg.line(AREA_LEFT, py, AREA_RIGHT, py, t.label.empty() ? "stroke=\"#f0f0f0\"" : "");
+    }
+    svg.text += "</g>\n";
+    svg.text += "<g class=\"ticks\" stroke=\"#000000\" stroke-width=\"1\">\n";
+    for (const Tick &t : ticksOf(x))
+        if (!t.label.empty()) {
+            double px = x.pixelOfScaled(t.scaled);
+            svg.line(px, AREA_BOTTOM, px, AREA_BOTTOM + 5, "");
+            svg.label(px, AREA_BOTTOM + 19, t.label, "class=\"x-tick\" text-anchor=\"middle\" stroke=\"none\"");
+        }
+    for (const Tick &t : ticksOf(y))
+        if (!t.label.empty()) {
+            double py = y.pixelOfScaled(t.scaled);
+            svg.line(AREA_LEFT - 5, py, AREA_LEFT, py, "");
+            svg.label(AREA_LEFT - 8, py + 4, t.label, "class=\"y-tick\" text-anchor=\"end\" stroke=\"none\"");
+        }
+    svg.text += "</g>\n";
+}
+
+/* The lines x = 0 and y = 0 of the complex plane, where they fall inside. */
+void drawZeroLines(SvgWriter &svg, const Axis &x, const Axis &y)
+{
+    if (!x.logarithmic && x.lo < 0 && x.hi > 0) {
+        double px = x.pixel(0.0);
+        svg.line(px, AREA_TOP, px, AREA_BOTTOM, "class=\"zero-line\" stroke=\"#909090\" stroke-width=\"1\"");
+    }
+    if (!y.logarithmic && !y.decibels && y.lo < 0 && y.hi > 0) {
+        double py = y.pixel(0.0);
+        svg.line(AREA_LEFT, py, AREA_RIGHT, py, "class=\"zero-line\" stroke=\"#909090\" stroke-width=\"1\"");
+    }
+}
+
+void drawCross(SvgWriter &svg, double px, double py, const std::string &colour, const std::string &cls)
+{
+    svg.text += "<path class=\"" + cls + "\" d=\"M" + number(px - 4) + "," + number(py - 4) + " L" +
+                number(px + 4) + "," + number(py + 4) + " M" + number(px - 4) + "," + number(py + 4) +
+                " L" + number(px + 4) + "," + number(py - 4) + "\" stroke=\"" + colour +
+                "\" stroke-width=\"1.5\" fill=\"none\"/>\n";
+}
+
+void drawLegend(SvgWriter &svg, const Legend &legend)
+{
+    if (legend.entries.empty())
+        return;
+    size_t shown = std::min<size_t>(legend.entries.size(), MAX_LEGEND_ENTRIES);
+    double rows = (double)shown + (legend.heading.empty() ? 0 : 1) + (shown < legend.entries.size() ? 1 : 0);
+    svg.text += "<g class=\"legend\">\n";
+    svg.text += "<rect x=\"" + number(LEGEND_X) + "\" y=\"" + number(LEGEND_Y) + "\" width=\"165\" height=\"" +
+                number(rows * LEGEND_LINE + 10) + "\" fill=\"#ffffff\" stroke=\"#b0b0b0\"/>\n";
+    double y = LEGEND_Y + 18;
+    if (!legend.heading.empty()) {
+        svg.label(LEGEND_X + 8, y, legend.heading, "class=\"legend-heading\" font-weight=\"bold\"");
+        y += LEGEND_LINE;
+    }
+    for (size_t i = 0; i < shown; ++i) {
+        const Legend::Entry &e = legend.entries[i];
+        if (e.marker)
+            drawCross(svg, LEGEND_X + 19, y - 4, e.colour, "legend-marker");
+        else
+            svg.line(LEGEND_X + 8, y - 4, LEGEND_X + 30, y - 4, "stroke=\"" + e.colour + "\" stroke-width=\"2\"");
+        svg.label(LEGEND_X + 38, y, e.label, "class=\"legend-entry\"");
+        y += LEGEND_LINE;
+    }
+    if (shown < legend.entries.size())
+        svg.label(LEGEND_X + 8, y, "... and " + std::to_string(legend.entries.size() - shown) + " more",
+                  "class=\"legend-entry\"");
+    svg.text += "</g>\n";
+}
+
+std::string traceLabel(const PlotSeries &s)
+{
+    return s.label.empty() ? "Trace " + std::to_string(s.trace + 1) : s.label;
+}
+
+}
+
+std::string renderPlotSvg(const PlotView &view)
+{
+    static const PlotRecord empty{};
+    const PlotRecord &r = view.record ? *view.record : empty;
+    PlotKind kind = plotKindOf(r);
+    std::vector<PlotSeries> curves = plotSeries(view);
+
+    std::string title = recordText(r.title, sizeof r.title);
+    std::string xLabel = recordText(r.xLabel, sizeof r.xLabel);
+    std::string yLabel = recordText(r.yLabel, sizeof r.yLabel);
+    if (kind == PlotKind::Nyquist) {
+        /* In a Nyquist plot the two trace labels name the axes of the complex plane. */
+        std::string real = recordText(r.traces[0].label, sizeof r.traces[0].label);
+        std::string imaginary = recordText(r.traces[1].label, sizeof r.traces[1].label);
+        xLabel = real.empty() ? "Real" : real;
+        yLabel = imaginary.empty() ? "Imaginary" : imaginary;
+    }
+
+    Axis x, y;
+    x.logarithmic = (r.flagsB & PLOT_B_LOG_X) != 0;
+    bool magnitude = (r.flagsB & PLOT_B_LOG_Y) != 0;
+    y.decibels = magnitude && (r.flagsC & PLOT_C_DECIBELS);
+    y.logarithmic = magnitude && !y.decibels;
+    x.p0 = AREA_LEFT;
+    x.p1 = AREA_RIGHT;
+    y.p0 = AREA_BOTTOM;
+    y.p1 = AREA_TOP;
+    std::vector<double> xs, ys;
+    for (const PlotSeries &s : curves) {
+        xs.insert(xs.end(), s.x.begin(), s.x.end());
+        ys.insert(ys.end(), s.y.begin(), s.y.end());
+    }
+    chooseRange(x, r.xMin, r.xMax, xs);
+    chooseRange(y, r.yMin, r.yMax, ys);
+
+    SvgWriter svg;
+    svg.text += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+    svg.text += "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"800\" height=\"500\" viewBox=\"0 0 800 500\" "
+                "font-family=\"DejaVu Sans, Arial, Helvetica, sans-serif\" font-size=\"12\">\n";
+    svg.text += "<title>" + escapeXml(title) + "</title>\n";
+    svg.text += "<rect width=\"" + number(WIDTH, "%.0f") + "\" height=\"" + number(HEIGHT, "%.0f") +
+                "\" fill=\"#ffffff\"/>\n";
+    svg.label(WIDTH / 2, 30, title, "class=\"title\" text-anchor=\"middle\" font-size=\"16\" font-weight=\"bold\"");
+
+    drawGridAndTicks(svg, x, y);
+    if (kind != PlotKind::Frequency)
+        drawZeroLines(svg, x, y);
+    svg.text += "<rect class=\"frame\" x=\"" + number(AREA_LEFT) + "\" y=\"" + number(AREA_TOP) + "\" width=\"" +
+                number(AREA_RIGHT - AREA_LEFT) + "\" height=\"" + number(AREA_BOTTOM - AREA_TOP) +
+                "\" fill=\"none\" stroke=\"#000000\"/>\n";
+    svg.label((AREA_LEFT + AREA_RIGHT) / 2, HEIGHT - 18, xLabel, "class=\"x-label\" text-anchor=\"middle\" font-size=\"13\"");
+    svg.text += "<text class=\"y-label\" transform=\"rotate(-90)\" x=\"" + number(-(AREA_TOP + AREA_BOTTOM) / 2) +
+                "\" y=\"22\" text-anchor=\"middle\" font-size=\"13\">" + escapeXml(yLabel) + "</text>\n";
+
+    Legend legend;
+    size_t drawnInAll = 0;
+    svg.text += "<g class=\"traces\" fill=\"none\" stroke-width=\"1.6\" stroke-linejoin=\"round\">\n";
+    for (size_t i = 0; i < curves.size(); ++i) {
+        const PlotSeries &s = curves[i];
+        std::string colour = PALETTE[i % PALETTE_SIZE];
+        std::vector<Pixel> pixels(s.y.size());
+        for (size_t p = 0; p < s.y.size(); ++p)
+            pixels[p] = {x.pixel(s.x[p]), y.pixel(s.y[p])};
+        size_t drawn = 0;
+        std::vector<Pixel> lonePoints;
+        std::string d = curvePath(pixels, &drawn, &lonePoints);
+        drawnInAll += drawn + lonePoints.size();
+        svg.text += "<path class=\"trace\" data-trace=\"" + std::to_string(s.trace) + "\" data-points=\"" +
+                    std::to_string(drawn) + "\" stroke=\"" + colour + "\" d=\"" + d + "\"/>\n";
+        for (const Pixel &p : lonePoints)
+            svg.text += "<circle cx=\"" + number(p.x) + "\" cy=\"" + number(p.y) + "\" r=\"2\" fill=\"" + colour +
+                        "\" stroke=\"none\"/>\n";
+        if (kind == PlotKind::RootLocus) {
+            legend.entries.push_back({colour, "Branch " + std::to_string(s.trace + 1)});
+            auto start = std::find_if(pixels.begin(), pixels.end(), [](const Pixel &p) { return p.valid(); });
+            if (start != pixels.end() && inside(start->x, start->y))
+                drawCross(svg, start->x, start->y, colour, "branch-start");
+        } else if (kind == PlotKind::Nyquist) {
+            legend.entries.push_back({colour, "Response"});
+        } else {
+            legend.entries.push_back({colour, traceLabel(s)});
+        }
+    }
+    svg.text += "</g>\n";
+    if (drawnInAll == 0) {
+        /* For example a magnitude of 0 everywhere, which a logarithmic axis cannot show. */
+        svg.label((AREA_LEFT + AREA_RIGHT) / 2, (AREA_TOP + AREA_BOTTOM) / 2,
+                  curves.empty() ? "No points" : "No point of the curves falls on this scale",
+                  "class=\"empty-note\" text-anchor=\"middle\" fill=\"#707070\"");
+    }
+
+    if (kind == PlotKind::Nyquist) {
+        double px = x.pixel(-1.0), py = y.pixel(0.0);
+        if (std::isfinite(px) && std::isfinite(py) && inside(px, py)) {
+            drawCross(svg, px, py, "#000000", "critical-point");
+            legend.entries.push_back({"#000000", "Critical point -1", true});
+        }
+    }
+    if (kind == PlotKind::RootLocus) {
+        /* In a root locus trace 1's label names the curves: the closed loop poles. */
+        std::string curvesName = recordText(r.traces[1].label, sizeof r.traces[1].label);
+        legend.heading = curvesName;
+        std::string start = "Branch start";
+        if (r.paramInfo && r.paramInfo->parameters && !curves.empty() && std::isfinite(r.paramInfo->parameters[0]))
+            start += " (K = " + number(r.paramInfo->parameters[0], "%g") + ")";
+        if (!curves.empty())
+            legend.entries.insert(legend.entries.begin(), {"#000000", start, true});
+    }
+    drawLegend(svg, legend);
+    svg.text += "</svg>\n";
+    return svg.text;
+}
+
+bool writeSvgFile(const std::string &path, const std::string &text, std::string *error)
+{
+    std::string temporary = path + ".tmp";
+    {
+        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
+        if (!out) {
+            *error = "cannot create the file";
+            return false;
+        }
+        out << text;
+        if (!out.flush()) {
+            *error = "write failed";
+            return false;
+        }
+    }
+    if (std::rename(temporary.c_str(), path.c_str()) != 0) {
+        std::remove(temporary.c_str());
+        *error = "cannot replace the file";
+        return false;
+    }
+    return true;
+}
+
+}

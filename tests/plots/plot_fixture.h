@@ -1,0 +1,130 @@
+/*
+** tests/plots/plot_fixture.h: a fresh host with its own output folder per test,
+** the plug-in's plot settings at their defaults, and helpers that fill plots the
+** way the analyses do.
+*/
+#ifndef TESTS_PLOT_FIXTURE_H
+#define TESTS_PLOT_FIXTURE_H
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "host/host.h"
+#include "hostapp/host_state.h"
+#include "hostapp/plots.h"
+#include "platform/driver.h"
+#include "shell/plot_output.h"
+#include "shell/settings.h"
+
+class PlotTest : public ::testing::Test {
+protected:
+    std::filesystem::path outputDir;
+
+    void SetUp() override
+    {
+        hostapp::resetHost();
+        platform::clearTranscript();
+        const auto *info = ::testing::UnitTest::GetInstance()->current_test_info();
+        outputDir = std::filesystem::temp_directory_path() / "praxa-test-output" /
+                    (std::string(info->test_suite_name()) + "." + info->name());
+        std::filesystem::remove_all(outputDir);
+        std::filesystem::create_directories(outputDir);
+        hostapp::host().outputDir = outputDir.string();
+        frequencyPlotCount = 0;
+        rootLocusPlotCount = 0;
+        frequencyRange = {50, 0.1, 100.0};
+        gainRange = {50, 0.0, 100.0};
+        frequencyUnit.selected = FREQUENCY_UNIT_RADIANS;
+        phaseUnit.selected = PHASE_UNIT_DEGREES;
+        magnitudeUnit.selected = MAGNITUDE_UNIT_LOG10;
+    }
+
+    void TearDown() override { hostapp::resetHost(); }
+
+    /* A Bode-style plot whose first trace holds `values` over the frequency range,
+    ** filled as the frequency response fills it. */
+    HostBlock *frequencyPlot(const char *title, const std::vector<double> &values)
+    {
+        HostBlock *block = makePlotNode(0, 0);
+        PlotRecord *plot = plotRecordOf(block);
+        RangeSettings range = frequencyRange;
+        range.steps = (int32_t)values.size();
+        setupFrequencyPlot(plot, title, &range);
+        preallocDList(&plot->traces[0].points, &plot->pointIndex);
+        plot->traces[0].points.count = (uint32_t)values.size();
+        double *points = (double *)plot->traces[0].points.items;
+        for (size_t i = 0; i < values.size(); ++i)
+            points[i] = values[i];
+        return block;
+    }
+
+    /* A Nyquist plot with trace 0 = real parts and trace 1 = imaginary parts. */
+    HostBlock *nyquistPlot(const std::vector<double> &re, const std::vector<double> &im)
+    {
+        HostBlock *block = makePlotNode(0, 0);
+        PlotRecord *plot = plotRecordOf(block);
+        plot->flagsA |= PLOT_A_FIXED_SWEEP;
+        setupFrequencyPlot(plot, "Nyquist", &frequencyRange);
+        plot->flagsD |= PLOT_D_NYQUIST;
+        plot->yLabel[0] = '\0';
+        std::snprintf(plot->traces[1].label, sizeof plot->traces[1].label, "Imaginary");
+        std::snprintf(plot->traces[0].label, sizeof plot->traces[0].label, "Real");
+        plot->pointCount = (uint32_t)re.size();
+        for (int k = 0; k < 2; ++k) {
+            preallocDList(&plot->traces[k].points, &plot->pointIndex);
+            plot->traces[k].points.count = (uint32_t)re.size();
+            double *points = (double *)plot->traces[k].points.items;
+            for (size_t i = 0; i < re.size(); ++i)
+                points[i] = k == 0 ? re[i] : im[i];
+        }
+        return block;
+    }
+
+    /* Stores branch points through request 75, as the root locus sweep does. */
+    static void storeBranch(PlotRecord *plot, int branch, const std::vector<double> &re, const std::vector<double> &im)
+    {
+        for (int c = 0; c < 2; ++c) {
+            auto *buffer = (PlotPointBuffer *)tervanRequest(TERVAN_REQ_PLOT_BUFFER, (intptr_t)plot, branch * 256 + c);
+            ASSERT_NE(buffer, nullptr);
+            const std::vector<double> &v = c == 0 ? re : im;
+            for (size_t s = 0; s < v.size(); ++s) {
+                if (s >= buffer->capacity) {
+                    buffer->capacity += 128;
+                    buffer->values = (double *)grealloc(buffer->values, buffer->capacity * sizeof(double));
+                }
+                buffer->values[s] = v[s];
+                if (buffer->highestIndex < s)
+                    buffer->highestIndex = (uint32_t)s;
+            }
+        }
+    }
+
+    std::string readFile(const std::string &name) const
+    {
+        std::ifstream in(outputDir / name);
+        std::stringstream text;
+        text << in.rdbuf();
+        return text.str();
+    }
+
+    bool hasFile(const std::string &name) const { return std::filesystem::exists(outputDir / name); }
+
+    std::vector<std::string> svgFiles() const
+    {
+        std::vector<std::string> names;
+        for (const auto &entry : std::filesystem::directory_iterator(outputDir))
+            names.push_back(entry.path().filename().string());
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+};
+
+#endif

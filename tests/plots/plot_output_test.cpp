@@ -1,0 +1,167 @@
+/*
+** The plug-in's plot set-up, root locus plots and finish, through the host's plot blocks.
+*/
+#include <cmath>
+#include <cstring>
+
+#include "plot_fixture.h"
+
+namespace {
+
+TEST_F(PlotTest, FrequencyPlotTitleLabelAndSweep)
+{
+    frequencyPlotCount = 3;
+    HostBlock *block = makePlotNode(0, 0);
+    PlotRecord *plot = plotRecordOf(block);
+    setupFrequencyPlot(plot, "Bode-Magnitude", &frequencyRange);
+    EXPECT_STREQ(plot->title, "Bode-Magnitude3");
+    EXPECT_STREQ(plot->xLabel, "Frequency, (Rad/sec)");
+    EXPECT_EQ(plot->pointIndex, 0u);
+    EXPECT_EQ(plot->pointCount, 50u);
+    EXPECT_EQ(plot->sweepStart, 0.1);
+    EXPECT_EQ(plot->sweepStop, 100.0);
+    EXPECT_EQ(plot->xMin, 0.1);
+    EXPECT_EQ(plot->xMax, 100.0);
+    EXPECT_EQ(plot->sweepStep, 99.9 / 49);
+    EXPECT_EQ(plot->flagsB & 0x15, 0x15);
+    EXPECT_EQ(plot->flagsA & 0x20, 0x20);
+    /* Without flag A 0x02 the fixed sweep is left alone. */
+    EXPECT_EQ(plot->fixedSweepStart, 0.0);
+    EXPECT_EQ(plot->fixedSweepStop, 0.0);
+}
+
+TEST_F(PlotTest, FrequencyPlotInHertzAndFixedSweep)
+{
+    frequencyUnit.selected = FREQUENCY_UNIT_HERTZ;
+    PlotRecord *plot = plotRecordOf(makePlotNode(0, 0));
+    plot->flagsA |= PLOT_A_FIXED_SWEEP;
+    RangeSettings range = {11, 1.0, 6.0};
+    setupFrequencyPlot(plot, "Nyquist", &range);
+    EXPECT_STREQ(plot->title, "Nyquist0");
+    EXPECT_STREQ(plot->xLabel, "Frequency, (Hz)");
+    EXPECT_EQ(plot->sweepStep, 0.5);
+    EXPECT_EQ(plot->fixedSweepStart, 1.0);
+    EXPECT_EQ(plot->fixedSweepStop, 6.0);
+}
+
+TEST_F(PlotTest, RootLocusPlotsAreNumberedAndSetUp)
+{
+    gainRange = {40, 2.0, 80.0};
+    makeRootLocusPlot(2);
+    makeRootLocusPlot(2);
+    HostBlock *block = makeRootLocusPlot(3);
+    PlotRecord *plot = plotRecordOf(block);
+    EXPECT_STREQ(plot->title, "Root Locus-3");
+    EXPECT_EQ(rootLocusPlotCount, 3);
+    EXPECT_STREQ(plot->xLabel, "Real");
+    EXPECT_STREQ(plot->yLabel, "Imaginary");
+    EXPECT_STREQ(plot->traces[0].label, "real");
+    EXPECT_STREQ(plot->traces[1].label, "Closed loop poles");
+    EXPECT_EQ(plot->plotKind, 75u);
+    EXPECT_EQ(plot->flagsA, 0x26);             /* (0x04 AND 0x5D) OR 0x22 */
+    EXPECT_EQ(plot->flagsB, 0x14);
+    EXPECT_EQ(plot->lastTraceIndex, 2);
+    EXPECT_EQ(plot->pointCount, 40u);
+    EXPECT_EQ(plot->fixedSweepStart, 2.0);
+    EXPECT_EQ(plot->fixedSweepStop, 80.0);
+    /* One x and one y buffer per branch, room for the step count. */
+    for (int branch = 0; branch < 3; ++branch)
+        for (int c = 0; c < 2; ++c) {
+            auto *buffer = (PlotPointBuffer *)tervanRequest(75, (intptr_t)plot, branch * 256 + c);
+            ASSERT_NE(buffer, nullptr);
+            EXPECT_EQ(buffer->capacity, 40u);
+            EXPECT_EQ(buffer->highestIndex, 0u);
+        }
+    auto *x = (PlotPointBuffer *)tervanRequest(75, (intptr_t)plot, 1 * 256 + 0);
+    auto *y = (PlotPointBuffer *)tervanRequest(75, (intptr_t)plot, 1 * 256 + 1);
+    EXPECT_NE(x, y);
+    EXPECT_NE(x->values, y->values);
+}
+
+struct FlatCase {
+    double level, yMin, yMax;
+};
+
+TEST_F(PlotTest, FlatCurvesGetABand)
+{
+    /* A phase-style plot (linear y): the band survives rounding unchanged. */
+    for (FlatCase c : {FlatCase{0.0, -1.0, 1.0}, FlatCase{5.0, 4.5, 5.5}, FlatCase{-5.0, -5.5, -4.5}}) {
+        SCOPED_TRACE(c.level);
+        HostBlock *block = frequencyPlot("Bode-Phase", std::vector<double>(20, c.level));
+        finishPlot(block, 1, 0, 0xFF);
+        PlotRecord *plot = plotRecordOf(block);
+        EXPECT_NEAR(plot->yMin, c.yMin, 1e-12);
+        EXPECT_NEAR(plot->yMax, c.yMax, 1e-12);
+        EXPECT_EQ(plot->xMin, 0.1);
+        EXPECT_EQ(plot->xMax, 100.0);
+    }
+}
+
+TEST_F(PlotTest, MagnitudePlotUnitsAndDecades)
+{
+    magnitudeUnit.selected = MAGNITUDE_UNIT_DECIBELS;
+    HostBlock *block = frequencyPlot("Bode-Magnitude", std::vector<double>(20, 5.0));
+    finishPlot(block, 1, 1, 0xFF);
+    PlotRecord *plot = plotRecordOf(block);
+    EXPECT_STREQ(plot->yLabel, "Magnitude (Decibels)");
+    EXPECT_EQ(plot->flagsC & PLOT_C_DECIBELS, PLOT_C_DECIBELS);
+    EXPECT_EQ(plot->flagsB & 0x03, 0x03);
+    /* 4.5 ... 5.5 on a logarithmic axis rounds out to the decade 1 ... 10. */
+    EXPECT_DOUBLE_EQ(plot->yMin, 1.0);
+    EXPECT_DOUBLE_EQ(plot->yMax, 10.0);
+
+    magnitudeUnit.selected = MAGNITUDE_UNIT_LOG10;
+    finishPlot(block, 1, 1, 0xFF);
+    EXPECT_STREQ(plot->yLabel, "Magnitude");
+    EXPECT_EQ(plot->flagsC & PLOT_C_DECIBELS, 0);
+}
+
+TEST_F(PlotTest, FinishClearsTraceWordsAndSetsAxisKinds)
+{
+    HostBlock *block = frequencyPlot("Bode-Phase", {1, 2, 3});
+    PlotRecord *plot = plotRecordOf(block);
+    for (PlotTrace &t : plot->traces)
+        t.words[0] = t.words[1] = 0xDEADBEEF;
+    plot->flagsB |= PLOT_B_LOG_Y;
+    finishPlot(block, 0, 0, 0);
+    for (const PlotTrace &t : plot->traces) {
+        EXPECT_EQ(t.words[0], 0u);
+        EXPECT_EQ(t.words[1], 0u);
+    }
+    EXPECT_EQ(plot->flagsB & 0x03, 0);
+    EXPECT_EQ(hostapp::host().repaints, 1);
+    EXPECT_EQ(platform::transcript().back(), "[plot] Bode-Phase0.svg");
+}
+
+TEST_F(PlotTest, NyquistBoundsComeFromTheTraces)
+{
+    HostBlock *block = nyquistPlot({1.0, 0.5, NAN, -0.2, 0.0}, {0.0, -0.5, 7.0, -0.3, INFINITY});
+    finishPlot(block, 0, 0, 0);
+    PlotRecord *plot = plotRecordOf(block);
+    /* Data x -0.2 ... 1 and y -0.5 ... 0 (the non-finite points do not count). */
+    EXPECT_NEAR(plot->xMin, -0.2, 1e-12);
+    EXPECT_NEAR(plot->xMax, 1.0, 1e-12);
+    EXPECT_NEAR(plot->yMin, -0.5, 1e-12);
+    EXPECT_NEAR(plot->yMax, 0.0, 1e-12);
+}
+
+TEST_F(PlotTest, RootLocusBoundsComeFromTheBuffers)
+{
+    gainRange.steps = 3;
+    HostBlock *block = makeRootLocusPlot(2);
+    PlotRecord *plot = plotRecordOf(block);
+    storeBranch(plot, 0, {-1.0, -2.0, -3.7}, {0.0, 0.0, 0.0});
+    storeBranch(plot, 1, {-1.0, -0.5, -0.5}, {0.0, 1.2, 2.9});
+    setXYPlotBounds(block, 0, 1);
+    EXPECT_EQ(plot->xMin, -3.7);
+    EXPECT_EQ(plot->xMax, -0.5);
+    EXPECT_EQ(plot->yMin, 0.0);
+    EXPECT_EQ(plot->yMax, 2.9);
+    finishPlot(block, 0, 0, 0);
+    EXPECT_NEAR(plot->xMin, -4.0, 1e-12);   /* steps of 0.5 */
+    EXPECT_NEAR(plot->xMax, -0.5, 1e-12);
+    EXPECT_NEAR(plot->yMin, 0.0, 1e-12);
+    EXPECT_NEAR(plot->yMax, 3.0, 1e-12);
+}
+
+}

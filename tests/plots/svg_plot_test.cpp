@@ -1,0 +1,280 @@
+/*
+** Plots written as SVG files: parsed back as XML and checked for what a reader sees.
+*/
+#include <pugixml.hpp>
+
+#include <cmath>
+#include <complex>
+#include <map>
+#include <regex>
+
+#include "plot_fixture.h"
+
+namespace {
+
+struct Vertex {
+    double x, y;
+};
+
+/* The vertices of a path's data (every M and L pair). */
+std::vector<Vertex> vertices(const char *d)
+{
+    std::vector<Vertex> points;
+    std::regex pair("[ML](-?[0-9.]+),(-?[0-9.]+)");
+    std::string text = d;
+    for (auto it = std::sregex_iterator(text.begin(), text.end(), pair); it != std::sregex_iterator(); ++it)
+        points.push_back({std::stod((*it)[1]), std::stod((*it)[2])});
+    return points;
+}
+
+std::vector<std::string> textsOfClass(const pugi::xml_document &doc, const char *cls)
+{
+    std::vector<std::string> texts;
+    std::string query = std::string("//*[@class='") + cls + "']";
+    for (const auto &node : doc.select_nodes(query.c_str()))
+        texts.push_back(node.node().child_value());
+    return texts;
+}
+
+class SvgPlotTest : public PlotTest {
+protected:
+    pugi::xml_document doc;
+
+    void parse(const std::string &name)
+    {
+        ASSERT_TRUE(hasFile(name)) << name;
+        pugi::xml_parse_result result = doc.load_string(readFile(name).c_str());
+        ASSERT_TRUE(result) << result.description();
+        ASSERT_STREQ(doc.document_element().name(), "svg");
+    }
+
+    std::vector<pugi::xml_node> traces() const
+    {
+        std::vector<pugi::xml_node> paths;
+        for (const auto &node : doc.select_nodes("//*[@class='trace']"))
+            paths.push_back(node.node());
+        return paths;
+    }
+
+    /* y pixel of the grid line that carries the y tick label `label`. */
+    double yTickPixel(const std::string &label) const
+    {
+        for (const auto &node : doc.select_nodes("//*[@class='y-tick']"))
+            if (label == node.node().child_value())
+                return node.node().attribute("y").as_double() - 4.0;
+        ADD_FAILURE() << "no y tick " << label;
+        return NAN;
+    }
+};
+
+/* |1 / (jw + 1)| on the default grid, 50 points from 0.1 to 100 rad/s. */
+std::vector<double> firstOrderMagnitude()
+{
+    std::vector<double> values;
+    for (int i = 0; i < 50; ++i) {
+        double w = std::pow(10.0, -1.0 + i * 3.0 / 49.0);
+        values.push_back(1.0 / std::sqrt(1.0 + w * w));
+    }
+    return values;
+}
+
+TEST_F(SvgPlotTest, BodeMagnitudeInDecibels)
+{
+    magnitudeUnit.selected = MAGNITUDE_UNIT_DECIBELS;
+    frequencyPlotCount = 1;
+    HostBlock *block = frequencyPlot("Bode-Magnitude", firstOrderMagnitude());
+    std::snprintf(plotRecordOf(block)->traces[0].label, 64, "Magnitude");
+    finishPlot(block, 1, 1, 0xFF);
+
+    EXPECT_EQ(svgFiles(), std::vector<std::string>{"Bode-Magnitude1.svg"});
+    EXPECT_EQ(platform::transcript().back(), "[plot] Bode-Magnitude1.svg");
+    EXPECT_EQ(hostapp::plotFileName(block), "Bode-Magnitude1.svg");
+    parse("Bode-Magnitude1.svg");
+    EXPECT_STREQ(doc.child("svg").child_value("title"), "Bode-Magnitude1");
+    EXPECT_EQ(textsOfClass(doc, "title"), std::vector<std::string>{"Bode-Magnitude1"});
+    EXPECT_EQ(textsOfClass(doc, "x-label"), std::vector<std::string>{"Frequency, (Rad/sec)"});
+    EXPECT_EQ(textsOfClass(doc, "y-label"), std::vector<std::string>{"Magnitude (Decibels)"});
+    /* The x axis runs over whole decades. */
+    EXPECT_EQ(textsOfClass(doc, "x-tick"), (std::vector<std::string>{"0.1", "1", "10", "100"}));
+    /* Ratios 0.00999 ... 0.995 round out to 0.001 ... 1, i.e. -60 ... 0 dB. */
+    std::vector<std::string> yTicks = textsOfClass(doc, "y-tick");
+    ASSERT_FALSE(yTicks.empty());
+    EXPECT_EQ(yTicks.front(), "-60");
+    EXPECT_EQ(yTicks.back(), "0");
+    EXPECT_EQ(textsOfClass(doc, "legend-entry"), std::vector<std::string>{"Magnitude"});
+
+    auto paths = traces();
+    ASSERT_EQ(paths.size(), 1u);
+    std::vector<Vertex> points = vertices(paths[0].attribute("d").value());
+    ASSERT_EQ(points.size(), 50u);
+    EXPECT_EQ(paths[0].attribute("data-points").as_int(), 50);
+    /* Point 1 is at 0.1 rad/s: the left edge; point 50 at 100 rad/s: the right edge. */
+    EXPECT_NEAR(points.front().x, 80.0, 0.01);
+    EXPECT_NEAR(points.back().x, 610.0, 0.01);
+    /* 1/sqrt(2) at w = 1 would be -3.01 dB; the last point |1/(100j+1)| is -40.0 dB. */
+    double perDecibel = (yTickPixel("-60") - yTickPixel("0")) / 60.0;
+    EXPECT_NEAR(points.back().y, yTickPixel("0") + 40.0004 * perDecibel, 0.02);
+    EXPECT_NEAR(points.front().y, yTickPixel("0") + 0.0432 * perDecibel, 0.02);
+}
+
+TEST_F(SvgPlotTest, LogTenMagnitudeAxisIsLabelledInDecades)
+{
+    HostBlock *block = frequencyPlot("Bode-Magnitude", firstOrderMagnitude());
+    finishPlot(block, 1, 1, 0xFF);
+    parse("Bode-Magnitude0.svg");
+    EXPECT_EQ(textsOfClass(doc, "y-label"), std::vector<std::string>{"Magnitude"});
+    EXPECT_EQ(textsOfClass(doc, "y-tick"), (std::vector<std::string>{"0.001", "0.01", "0.1", "1"}));
+    /* Unnamed trace: the legend still names it. */
+    EXPECT_EQ(textsOfClass(doc, "legend-entry"), std::vector<std::string>{"Trace 1"});
+    /* Decades are equally spaced on a logarithmic axis. */
+    double d1 = yTickPixel("0.01") - yTickPixel("0.1");
+    double d2 = yTickPixel("0.1") - yTickPixel("1");
+    EXPECT_NEAR(d1, d2, 0.01);
+}
+
+TEST_F(SvgPlotTest, NonFiniteValuesAreSkipped)
+{
+    std::vector<double> values = {1, 2, NAN, 4, INFINITY, -INFINITY, 7, 8};
+    HostBlock *block = frequencyPlot("Bode-Phase", values);
+    finishPlot(block, 1, 0, 0xFF);
+    parse("Bode-Phase0.svg");
+    auto paths = traces();
+    ASSERT_EQ(paths.size(), 1u);
+    std::string d = paths[0].attribute("d").value();
+    EXPECT_EQ(d.find("nan"), std::string::npos);
+    EXPECT_EQ(d.find("inf"), std::string::npos);
+    /* Segments 1-2 and 7-8 are drawn; 4 stands alone and is a dot. */
+    EXPECT_EQ(vertices(d.c_str()).size(), 4u);
+    EXPECT_EQ(doc.select_nodes("//*[local-name()='circle']").size(), 1u);
+}
+
+TEST_F(SvgPlotTest, ZeroMagnitudeSaysWhyNothingIsDrawn)
+{
+    magnitudeUnit.selected = MAGNITUDE_UNIT_DECIBELS;
+    HostBlock *block = frequencyPlot("Bode-Magnitude", std::vector<double>(10, 0.0));
+    finishPlot(block, 1, 1, 0xFF);
+    parse("Bode-Magnitude0.svg");
+    EXPECT_EQ(vertices(traces()[0].attribute("d").value()).size(), 0u);
+    EXPECT_EQ(textsOfClass(doc, "empty-note"),
+              std::vector<std::string>{"No point of the curves falls on this scale"});
+}
+
+TEST_F(SvgPlotTest, NyquistDrawsRealAgainstImaginary)
+{
+    /* 1 / (jw + 1) over w = 0 ... 10: a half circle from 1 to near 0. */
+    std::vector<double> re, im;
+    for (int i = 0; i < 40; ++i) {
+        std::complex<double> h = 1.0 / std::complex<double>(1.0, i * 0.25);
+        re.push_back(h.real());
+        im.push_back(h.imag());
+    }
+    re[7] = NAN;
+    HostBlock *block = nyquistPlot(re, im);
+    finishPlot(block, 0, 0, 0);
+    parse("Nyquist0.svg");
+    EXPECT_EQ(textsOfClass(doc, "x-label"), std::vector<std::string>{"Real"});
+    EXPECT_EQ(textsOfClass(doc, "y-label"), std::vector<std::string>{"Imaginary"});
+    auto paths = traces();
+    ASSERT_EQ(paths.size(), 1u);
+    EXPECT_EQ(vertices(paths[0].attribute("d").value()).size(), 39u);
+    /* Bounds: real 0.0384 ... 1 -> 0 ... 1, imaginary -0.5 ... 0: -1 is outside. */
+    EXPECT_EQ(doc.select_nodes("//*[@class='critical-point']").size(), 0u);
+    /* Log flags are off: tick labels are plain steps. */
+    EXPECT_EQ(textsOfClass(doc, "x-tick").front(), "0.0");
+    EXPECT_EQ(textsOfClass(doc, "x-tick").back(), "1.0");
+}
+
+TEST_F(SvgPlotTest, RootLocusDrawsOneCurvePerBranch)
+{
+    gainRange.steps = 4;
+    HostBlock *block = makeRootLocusPlot(3);
+    PlotRecord *plot = plotRecordOf(block);
+    storeBranch(plot, 0, {-1, -1.5, -2, -3}, {0, 0, 0, 0});
+    storeBranch(plot, 1, {-2, -1.5, -1.5, -1.5}, {0, 0.5, 1, 2});
+    storeBranch(plot, 2, {-2, -1.5, -1.5, -1.5}, {0, -0.5, -1, -2});
+    finishPlot(block, 0, 0, 0);
+    parse("Root Locus-1.svg");
+    EXPECT_EQ(textsOfClass(doc, "title"), std::vector<std::string>{"Root Locus-1"});
+    EXPECT_EQ(textsOfClass(doc, "x-label"), std::vector<std::string>{"Real"});
+    EXPECT_EQ(textsOfClass(doc, "y-label"), std::vector<std::string>{"Imaginary"});
+    EXPECT_EQ(textsOfClass(doc, "legend-heading"), std::vector<std::string>{"Closed loop poles"});
+    EXPECT_EQ(textsOfClass(doc, "legend-entry"),
+              (std::vector<std::string>{"Branch start", "Branch 1", "Branch 2", "Branch 3"}));
+    auto paths = traces();
+    ASSERT_EQ(paths.size(), 3u);
+    std::map<std::string, int> colours;
+    for (const auto &p : paths) {
+        EXPECT_EQ(vertices(p.attribute("d").value()).size(), 4u);
+        colours[p.attribute("stroke").value()]++;
+    }
+    EXPECT_EQ(colours.size(), 3u);
+    EXPECT_EQ(doc.select_nodes("//*[@class='branch-start']").size(), 3u);
+}
+
+TEST_F(SvgPlotTest, ClampedBoundsClipTheCurves)
+{
+    gainRange.steps = 3;
+    HostBlock *block = makeRootLocusPlot(1);
+    PlotRecord *plot = plotRecordOf(block);
+    storeBranch(plot, 0, {-1, -5, -1e200}, {0, 0, 0});
+    finishPlot(block, 0, 0, 0);
+    /* As the root locus command does with a radius of 2.3. */
+    plot->xMin = -3;
+    plot->xMax = 3;
+    invalidateWin(block->window);
+    parse("Root Locus-1.svg");
+    std::vector<Vertex> points = vertices(traces()[0].attribute("d").value());
+    ASSERT_EQ(points.size(), 2u);
+    EXPECT_NEAR(points[1].x, 80.0, 0.01);       /* cut at x = -3, the left edge */
+    /* A repaint rewrites the file but is not noted again. */
+    int notes = 0;
+    for (const std::string &line : platform::transcript())
+        notes += line.rfind("[plot]", 0) == 0;
+    EXPECT_EQ(notes, 1);
+}
+
+TEST_F(SvgPlotTest, ReshownPlotOverwritesItsFile)
+{
+    gainRange.steps = 2;
+    HostBlock *block = makeRootLocusPlot(1);
+    PlotRecord *plot = plotRecordOf(block);
+    storeBranch(plot, 0, {-1, -2}, {0, 0});
+    finishPlot(block, 0, 0, 0);
+    gainRange.steps = 3;
+    plot->pointCount = 3;
+    allocOverPlotBuffers(block, 1);
+    storeBranch(plot, 0, {-1, -2, -3}, {0, 1, 2});
+    finishPlot(block, 0, 0, 0);
+    EXPECT_EQ(svgFiles(), std::vector<std::string>{"Root Locus-1.svg"});
+    parse("Root Locus-1.svg");
+    EXPECT_EQ(vertices(traces()[0].attribute("d").value()).size(), 3u);
+}
+
+TEST_F(SvgPlotTest, TwoPlotsWithOneTitleKeepTwoFiles)
+{
+    HostBlock *first = nyquistPlot({1, 0}, {0, -1});
+    finishPlot(first, 0, 0, 0);
+    HostBlock *second = nyquistPlot({-2, 0}, {0, 1});
+    finishPlot(second, 0, 0, 0);
+    EXPECT_EQ(svgFiles(), (std::vector<std::string>{"Nyquist0 (2).svg", "Nyquist0.svg"}));
+    parse("Nyquist0 (2).svg");
+    EXPECT_EQ(doc.select_nodes("//*[@class='critical-point']").size(), 1u);
+}
+
+TEST_F(SvgPlotTest, TitlesAreEscapedAndFileNamesSafe)
+{
+    HostBlock *block = frequencyPlot("a/b<&>\"", {1, 2, 3});
+    finishPlot(block, 1, 0, 0xFF);
+    EXPECT_EQ(hostapp::plotFileName(block), "a_b____0.svg");
+    parse("a_b____0.svg");
+    EXPECT_EQ(textsOfClass(doc, "title"), std::vector<std::string>{"a/b<&>\"0"});
+}
+
+TEST_F(SvgPlotTest, UnwritableFolderIsReported)
+{
+    hostapp::host().outputDir = (outputDir / "missing" / "deeper").string();
+    finishPlot(frequencyPlot("Bode-Phase", {1, 2}), 1, 0, 0xFF);
+    EXPECT_EQ(platform::transcript().back().rfind("[plot] cannot write ", 0), 0u) << platform::transcript().back();
+}
+
+}
