@@ -31,6 +31,22 @@ TEST(LinearizeCommandLine, ServoIsWrittenToTheNamedResultFile)
     EXPECT_NE(run.out.find("[file written] " + dir.file("servo.m")), std::string::npos) << run.out;
 }
 
+TEST(LinearizeCommandLine, FirstRunShowsAnEmptyNameAndScreenDisplay)
+{
+    TempDir dir;
+    auto run = runPraxa("--settings " + dir.file("tervan.ini") + " " + example("pendulum_hanging.json") + " linearize");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_NE(run.out.find("  edit 101 \"\"\n"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("  radio 208 \"Linearize to Screen Display\" [x]\n"), std::string::npos) << run.out;
+    size_t end = run.out.find("[end] System Linearization: 1\n");
+    ASSERT_NE(end, std::string::npos) << run.out;
+    EXPECT_EQ(run.out.substr(end), "[end] System Linearization: 1\n"
+                                   "[Tervan] a = [0 1 ;\n    -9.81 -.5 ];\n"
+                                   "[Tervan] b = [0 ;\n    1 ];\n"
+                                   "[Tervan] c = [1 0 ];\n"
+                                   "[Tervan] d = [0 ];\n");
+}
+
 TEST(LinearizeCommandLine, PointsPickedOnTheCommandLineReplaceTheDiagramsOwn)
 {
     TempDir dir;
