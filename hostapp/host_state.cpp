@@ -3,6 +3,7 @@
 */
 #include "hostapp/host_state.h"
 
+#include "hostapp/diagram.h"
 #include "hostapp/plots.h"
 
 namespace hostapp {
@@ -22,6 +23,7 @@ std::string outputPath(const std::string &name)
 
 void resetHost()
 {
+    clearDiagram();
     clearPlotBlocks();
     host() = HostState{};
 }

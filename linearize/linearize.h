@@ -19,10 +19,31 @@ struct StateSpaceModel {
 };
 extern StateSpaceModel stateSpaceModel;
 
+/* The reference lists (item 0 is the reference in use) and the blocks with state
+** gathered by the last marking pass (continuous kinds 9-11; kinds 82/83). */
 extern HostList outputRefList;
 extern HostList inputRefList;
 extern HostList stateBlockList;
 extern HostList discreteBlockList;
+/* The sample period of the last marked selection in seconds; 0 when continuous. */
+extern double samplePeriod;
+
+/* Shared by the files of this folder. */
+extern HostList executionList;      /* the marked blocks in the host's execution order */
+extern HostList stateEntryList;     /* pointers to the states' doubles */
+extern HostList derivEntryList;     /* pointers to the derivatives' doubles */
+/* Marks (flag nonzero) or unmarks every block of every candidate tree; marking also
+** gathers and orders the state blocks and finds samplePeriod. */
+void markCandidates(intptr_t flag);
+/* Which visited point collectVisited asks the host for: getVisitedInput or getVisitedOutput. */
+extern RefPoint *(*visitedPointFunction)(HostBlock *candidate, int zero);
+/* Visitor for iterateCandidates: appends the candidate's visited point to the HostList
+** passed as argument. */
+void collectVisited(HostBlock *candidate, intptr_t list);
+/* Pops every item of a reference list, clearing its highlight and repainting it. */
+void emptyRefList(HostList *list);
+/* Sets or clears a point's highlight bit and repaints its window. */
+void setHighlight(RefPoint *point, bool on);
 
 extern "C" {
 void selLinRefPoint(RefPoint *point);
@@ -30,9 +51,12 @@ void linResetRefPoints(void);
 INT_PTR linearizeDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 }
 
-/* Linearizes the marked selection into stateSpaceModel; *samplePeriod receives 0
-** (continuous) or the sample period in seconds.  1 on success, 0 after a message. */
-int linearize(double *samplePeriod);
+/* Linearizes the selection between the reference points into stateSpaceModel;
+** *periodOut receives 0 (continuous) or the sample period in seconds.  1 on success,
+** 0 after a message (or quietly when the host refuses); *periodOut is then unchanged. */
+int linearize(double *periodOut);
+/* The double a reference point carries, or null (after a message for integer signals). */
+double *referenceValue(RefPoint *point);
 
 /* Runs the LINEARIZE dialog and its output step (command 206, after linearize). */
 void linearizeCommand();

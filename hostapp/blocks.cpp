@@ -1,0 +1,242 @@
+/*
+** hostapp/blocks.cpp: the block library of the stand-in host: each block type's
+** name, kind code, direct feedthrough, output and state update, and the state-space
+** realization of transfer functions.
+*/
+#include <cmath>
+
+#include "hostapp/engine.h"
+
+namespace hostapp {
+
+namespace {
+
+struct BlockTypeInfo {
+    const char *name;
+    uint8_t kind;
+};
+
+/* ORDER BLOCK TYPES.  Kinds 9-11 (continuous state), 82/83 (possibly sampled) and
+** 23 (unit delay) are the ones the plug-in knows; the others are the engine's own. */
+const BlockTypeInfo blockTypes[] = {
+    {"constant", 1},
+    {"step", 2},
+    {"gain", 3},
+    {"sum", 4},
+    {"product", 5},
+    {"saturation", 30},
+    {"sin", 31},
+    {"cos", 32},
+    {"abs", 33},
+    {"integrator", BLOCK_KIND_STATE_A},
+    {"transferFunction", BLOCK_KIND_STATE_B},
+    {"stateSpace", BLOCK_KIND_STATE_C},
+    {"discreteTransferFunction", BLOCK_KIND_SAMPLED_A},
+    {"discreteStateSpace", BLOCK_KIND_SAMPLED_B},
+    {"unitDelay", BLOCK_KIND_UNIT_DELAY},
+    {"compound", 40},
+    {"plot", 41},
+};
+static_assert(sizeof blockTypes / sizeof blockTypes[0] == (size_t)BlockType::Plot + 1);
+
+bool isIntegerType(uint8_t code)
+{
+    return (code >= SIGNAL_TYPE_INT_FIRST && code <= SIGNAL_TYPE_INT_LAST) || code == SIGNAL_TYPE_INT_EXTRA;
+}
+
+/* The stand-in keeps every value as a double; an integer-typed output is cut toward zero. */
+void writeOutput(Block &block, double value)
+{
+    if (isIntegerType(block.dataType))
+        value = std::trunc(value);
+    *block.output->slot() = value;
+}
+
+double input(const Block &block, int index)
+{
+    return *block.inputSignal(index)->slot();
+}
+
+double linearOutput(const Block &block)
+{
+    const LinearSystem &sys = block.linear;
+    double y = 0.0;
+    for (int i = 0; i < sys.n; ++i)
+        y += sys.c[(size_t)i] * block.state[(size_t)i];
+    if (sys.d != 0.0)
+        y += sys.d * input(block, 0);
+    return y;
+}
+
+}
+
+double *Signal::slot()
+{
+    if (!matrixStorage.empty())
+        return matrixStorage.data() + SIGNAL_MATRIX_FIRST / sizeof(double);
+    return &record.value.scalar;
+}
+
+bool blockTypeFromName(const std::string &name, BlockType &type)
+{
+    for (size_t i = 0; i < sizeof blockTypes / sizeof blockTypes[0]; ++i) {
+        if (name == blockTypes[i].name) {
+            type = (BlockType)i;
+            return true;
+        }
+    }
+    return false;
+}
+
+const char *blockTypeName(BlockType type)
+{
+    return blockTypes[(size_t)type].name;
+}
+
+uint8_t blockKindCode(BlockType type)
+{
+    return blockTypes[(size_t)type].kind;
+}
+
+bool hasFeedthrough(const Block &block)
+{
+    switch (block.type) {
+    case BlockType::Constant:
+    case BlockType::Step:
+    case BlockType::UnitDelay:
+    case BlockType::Compound:
+        return false;
+    case BlockType::Integrator:
+    case BlockType::TransferFunction:
+    case BlockType::StateSpace:
+    case BlockType::DiscreteTransferFunction:
+    case BlockType::DiscreteStateSpace:
+        return block.linear.d != 0.0;
+    default:
+        return true;
+    }
+}
+
+void evaluateOutput(Block &block, double time)
+{
+    switch (block.type) {
+    case BlockType::Constant:
+        writeOutput(block, block.value);
+        break;
+    case BlockType::Step:
+        writeOutput(block, time >= block.stepTime ? block.value : block.initialValue);
+        break;
+    case BlockType::Gain:
+        writeOutput(block, block.gain * input(block, 0));
+        break;
+    case BlockType::Sum: {
+        double sum = 0.0;
+        for (size_t i = 0; i < block.signs.size(); ++i)
+            sum += block.signs[i] == '-' ? -input(block, (int)i) : input(block, (int)i);
+        writeOutput(block, sum);
+        break;
+    }
+    case BlockType::Product: {
+        double product = 1.0;
+        for (size_t i = 0; i < block.inputs.size(); ++i)
+            product *= input(block, (int)i);
+        writeOutput(block, product);
+        break;
+    }
+    case BlockType::Saturation:
+        writeOutput(block, std::fmin(std::fmax(input(block, 0), block.lower), block.upper));
+        break;
+    case BlockType::Sin:
+        writeOutput(block, std::sin(input(block, 0)));
+        break;
+    case BlockType::Cos:
+        writeOutput(block, std::cos(input(block, 0)));
+        break;
+    case BlockType::Abs:
+        writeOutput(block, std::fabs(input(block, 0)));
+        break;
+    case BlockType::Integrator:
+    case BlockType::TransferFunction:
+    case BlockType::StateSpace:
+    case BlockType::DiscreteTransferFunction:
+    case BlockType::DiscreteStateSpace:
+        writeOutput(block, linearOutput(block));
+        break;
+    case BlockType::UnitDelay:
+        writeOutput(block, block.state[0]);
+        break;
+    case BlockType::Compound:
+    case BlockType::Plot:
+        break;
+    }
+}
+
+void evaluateNext(Block &block)
+{
+    switch (block.type) {
+    case BlockType::Integrator:
+    case BlockType::TransferFunction:
+    case BlockType::StateSpace:
+    case BlockType::DiscreteTransferFunction:
+    case BlockType::DiscreteStateSpace: {
+        const LinearSystem &sys = block.linear;
+        double u = input(block, 0);
+        for (int i = 0; i < sys.n; ++i) {
+            double next = sys.b[(size_t)i] * u;
+            for (int j = 0; j < sys.n; ++j)
+                next += sys.a[(size_t)(i * sys.n + j)] * block.state[(size_t)j];
+            block.next[(size_t)i] = next;
+        }
+        break;
+    }
+    case BlockType::UnitDelay:
+        block.next[0] = input(block, 0);
+        break;
+    default:
+        break;
+    }
+}
+
+bool realizeTransferFunction(std::vector<double> num, std::vector<double> den, LinearSystem &sys,
+                             std::string &error)
+{
+    while (num.size() > 1 && num.front() == 0.0)
+        num.erase(num.begin());
+    if (den.empty() || den.front() == 0.0) {
+        error = "the denominator's leading coefficient is 0";
+        return false;
+    }
+    if (num.empty())
+        num.push_back(0.0);
+    size_t n = den.size() - 1;
+    if (num.size() > den.size()) {
+        error = "improper transfer function: numerator degree " + std::to_string(num.size() - 1) +
+                " exceeds denominator degree " + std::to_string(n);
+        return false;
+    }
+    /* Controllable canonical form (as MATLAB's tf2ss): the first state row holds the
+    ** negated denominator, the others shift; coefficients are in descending powers. */
+    double lead = den.front();
+    std::vector<double> a(n + 1), b(n + 1, 0.0);
+    for (size_t i = 0; i <= n; ++i)
+        a[i] = den[i] / lead;
+    for (size_t i = 0; i < num.size(); ++i)
+        b[n + 1 - num.size() + i] = num[i] / lead;
+
+    sys.n = (int)n;
+    sys.a.assign(n * n, 0.0);
+    sys.b.assign(n, 0.0);
+    sys.c.assign(n, 0.0);
+    sys.d = b[0];
+    for (size_t j = 0; j < n; ++j)
+        sys.a[j] = -a[j + 1];
+    for (size_t i = 1; i < n; ++i)
+        sys.a[i * n + i - 1] = 1.0;
+    if (n > 0)
+        sys.b[0] = 1.0;
+    for (size_t i = 0; i < n; ++i)
+        sys.c[i] = b[i + 1] - a[i + 1] * b[0];
+    return true;
+}
+
+}

@@ -1,0 +1,274 @@
+/*
+** hostapp/linearization_services.cpp: the host services behind the plug-in's
+** linearization: candidates and their block trees, which points may serve as input or
+** output reference, the execution subgraph of the marked blocks, the state and
+** derivative entries, A and C by central differences, and the simulation-step request.
+*/
+#include <algorithm>
+#include <cmath>
+
+#include "host/host.h"
+#include "hostapp/engine.h"
+#include "numeric/matrix.h"
+
+namespace {
+
+using namespace hostapp;
+
+Block *blockOf(const HostBlock *record)
+{
+    Diagram *diagram = currentDiagram();
+    if (!diagram || !record)
+        return nullptr;
+    auto found = diagram->blockOf.find(record);
+    return found == diagram->blockOf.end() ? nullptr : found->second;
+}
+
+Point *pointOf(const RefPoint *record)
+{
+    Diagram *diagram = currentDiagram();
+    if (!diagram || !record)
+        return nullptr;
+    auto found = diagram->pointOf.find(record);
+    return found == diagram->pointOf.end() ? nullptr : found->second;
+}
+
+bool isMarked(const Block &block)
+{
+    return (block.record.flags & BLOCK_FLAG_CANDIDATE_MARK) != 0;
+}
+
+bool readByMarkedBlock(const Signal &signal)
+{
+    return std::any_of(signal.readers.begin(), signal.readers.end(), [](const Block *b) { return isMarked(*b); });
+}
+
+/* A signal leaves the marked blocks when a block outside them reads it, or nothing does. */
+bool leavesMarkedBlocks(const Signal &signal)
+{
+    return signal.readers.empty() ||
+           std::any_of(signal.readers.begin(), signal.readers.end(), [](const Block *b) { return !isMarked(*b); });
+}
+
+void visitTree(Block &block, BlockVisitor visitor, intptr_t arg)
+{
+    visitor(&block.record, arg);
+    for (const auto &child : block.children)
+        visitTree(*child, visitor, arg);
+}
+
+/* The engine's blocks of a list of block records; records it does not know are skipped. */
+std::vector<Block *> blocksOf(const HostList *list)
+{
+    std::vector<Block *> blocks;
+    for (uint32_t i = 0; list && list->items && i < list->count; ++i)
+        if (Block *block = blockOf((const HostBlock *)list->items[i]))
+            blocks.push_back(block);
+    return blocks;
+}
+
+/* The step by which calcACMatrix moves a state: small against the state, so that A and
+** C of a nonlinear diagram are its derivatives at the operating point (the central
+** difference errs by the square of the step) while rounding stays far below 1e-9. */
+double stateStep(double state)
+{
+    return 1e-5 * std::max(1.0, std::fabs(state));
+}
+
+}
+
+extern "C" {
+
+/* Calls visitor(candidate, arg) for each top-level block of the diagram's selection, in
+** the order the selection names them. */
+void iterateCandidates(BlockVisitor visitor, intptr_t arg)
+{
+    Diagram *diagram = currentDiagram();
+    if (!diagram || !visitor)
+        return;
+    std::vector<Block *> candidates = diagram->selection;
+    for (Block *candidate : candidates)
+        visitor(&candidate->record, arg);
+}
+
+/* Calls visitor for the block, then for every block nested in it, depth first. */
+void operateNodeTree(HostBlock *block, BlockVisitor visitor, intptr_t arg)
+{
+    if (!block || !visitor)
+        return;
+    if (Block *known = blockOf(block))
+        visitTree(*known, visitor, arg);
+    else
+        visitor(block, arg);
+}
+
+/* The candidate's first input port that can serve as input reference (see isLinInputRef). */
+RefPoint *getVisitedInput(HostBlock *candidate, int)
+{
+    Block *block = blockOf(candidate);
+    if (!block)
+        return nullptr;
+    for (const auto &point : block->inputs)
+        if (isLinInputRef(&point->record))
+            return &point->record;
+    return nullptr;
+}
+
+/* The candidate's first output port whose signal leaves the marked blocks. */
+RefPoint *getVisitedOutput(HostBlock *candidate, int)
+{
+    Block *block = blockOf(candidate);
+    if (!block)
+        return nullptr;
+    for (const auto &point : block->outputs)
+        if (point->signal && leavesMarkedBlocks(*point->signal))
+            return &point->record;
+    return nullptr;
+}
+
+/* An input point carries a signal that a block outside the marked ones computes and a
+** marked block reads: the marked blocks never recompute it, so a value set there
+** reaches them. */
+uint8_t isLinInputRef(RefPoint *point)
+{
+    Point *known = pointOf(point);
+    if (!known || !known->signal)
+        return 0;
+    return !isMarked(*known->signal->producer) && readByMarkedBlock(*known->signal);
+}
+
+/* An output point carries a signal that a marked block computes; an input of a plot
+** block is one too, whatever it shows (so a point can be both). */
+uint8_t isLinOutputRef(RefPoint *point)
+{
+    Point *known = pointOf(point);
+    if (!known || !known->signal)
+        return 0;
+    return isMarked(*known->signal->producer) || (known->isInput && known->block->type == BlockType::Plot);
+}
+
+/* A port of a compound block stands for the inner port it connects to (followed through
+** nested compounds); null for any other point, and for a compound input that feeds nothing. */
+RefPoint *getVecConnect(RefPoint *point, int)
+{
+    Point *known = pointOf(point);
+    if (!known || !known->connectsTo)
+        return nullptr;
+    while (known->connectsTo)
+        known = known->connectsTo;
+    return &known->record;
+}
+
+/* The diagram's "perturbation" entry, else 0.05. */
+void getLinPerturbation(double *step)
+{
+    if (!step)
+        return;
+    Diagram *diagram = currentDiagram();
+    *step = diagram ? diagram->perturbation : DEFAULT_LIN_PERTURBATION;
+}
+
+/* Appends every marked leaf block, in the engine's evaluation order. */
+void createExecutionOrderSubGraph(HostList *executionList)
+{
+    Diagram *diagram = currentDiagram();
+    if (!diagram)
+        return;
+    for (Block *block : diagram->evaluationOrder)
+        if (isMarked(*block))
+            addListMember(executionList, &block->record);
+}
+
+/* Evaluates the listed blocks once: outputs in list order, then their derivatives (or
+** next states).  Blocks outside the list keep their values. */
+void executeNodeList(HostList *executionList)
+{
+    Diagram *diagram = currentDiagram();
+    if (diagram)
+        executeBlocks(blocksOf(executionList), diagram->time);
+}
+
+/* Fills the state entries (pointers to the held states) and the derivative entries
+** (pointers to their derivatives, or next states of discrete blocks): the continuous
+** blocks in list order, then the sampled ones.  The answer M: when the selection holds
+** both continuous and sampled blocks, the model's states are the continuous ones and
+** the sampled blocks' states are held between samples; their next-state entries are
+** then listed last, M of them, and they get no state entry.  Otherwise M is 0. */
+int getStateDerivList(HostList *stateEntries, HostList *derivEntries, HostList *stateBlocks, HostList *sampledBlocks)
+{
+    std::vector<Block *> continuous = blocksOf(stateBlocks);
+    std::vector<Block *> sampled = blocksOf(sampledBlocks);
+    bool holdSampled = !continuous.empty() && !sampled.empty();
+    int held = 0;
+    for (Block *block : continuous) {
+        for (size_t i = 0; i < block->state.size(); ++i) {
+            addListMember(stateEntries, &block->state[i]);
+            addListMember(derivEntries, &block->next[i]);
+        }
+    }
+    for (Block *block : sampled) {
+        for (size_t i = 0; i < block->state.size(); ++i) {
+            if (holdSampled)
+                ++held;
+            else
+                addListMember(stateEntries, &block->state[i]);
+            addListMember(derivEntries, &block->next[i]);
+        }
+    }
+    return held;
+}
+
+/* A (n by n) and C (1 by n), n = A's rows: column j from a central difference in state
+** j with the host's own small step (stateStep), evaluating the execution list at each
+** side; y is the output's double.  The states and every listed block's values are back
+** at the operating point afterwards.  B, D and the M extra quotients are not needed
+** here: the plug-in has them from its own perturbation of the input. */
+void calcACMatrix(Matrix *A, Matrix *C, double *y, HostList *executionList, HostList *stateEntries,
+                  HostList *derivEntries, int M, Matrix *, Matrix *, Matrix *)
+{
+    Diagram *diagram = currentDiagram();
+    if (!diagram || !A || !C || !stateEntries || !derivEntries)
+        return;
+    uint32_t n = A->rows;
+    if (stateEntries->count < n || derivEntries->count < n + (uint32_t)std::max(M, 0) || C->rows * C->cols < n)
+        return;
+    std::vector<Block *> blocks = blocksOf(executionList);
+    std::vector<double> plus(n), minus(n);
+    for (uint32_t j = 0; j < n; ++j) {
+        double *state = (double *)stateEntries->items[j];
+        double operatingPoint = *state;
+        double step = stateStep(operatingPoint);
+        double yPlus = 0.0, yMinus = 0.0;
+        for (int side : {1, -1}) {
+            *state = operatingPoint + side * step;
+            executeBlocks(blocks, diagram->time);
+            std::vector<double> &sample = side > 0 ? plus : minus;
+            for (uint32_t i = 0; i < n; ++i)
+                sample[i] = *(double *)derivEntries->items[i];
+            (side > 0 ? yPlus : yMinus) = y ? *y : 0.0;
+        }
+        *state = operatingPoint;
+        for (uint32_t i = 0; i < n; ++i)
+            A->data[j * n + i] = (plus[i] - minus[i]) / (2 * step);
+        C->data[j] = (yPlus - yMinus) / (2 * step);
+    }
+    executeBlocks(blocks, diagram->time);
+}
+
+/* Code 8, a simulation step: the stand-in's blocks hold their values between steps and
+** its plots draw only when asked, so the step needs nothing recomputed and time does
+** not advance; the request is counted (simulationStepRequests), shown to the step
+** observer, and answered 1.  Any other request is answered 0. */
+intptr_t tvnRequest(SimStepRequest *request, intptr_t)
+{
+    if (!request || request->code != SIM_REQUEST_STEP)
+        return 0;
+    if (Diagram *diagram = currentDiagram()) {
+        diagram->simulationSteps++;
+        if (diagram->stepObserver)
+            diagram->stepObserver();
+    }
+    return 1;
+}
+
+}

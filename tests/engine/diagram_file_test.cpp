@@ -1,0 +1,213 @@
+/*
+** tests/engine/diagram_file_test.cpp: loading diagram files: the examples load, and a
+** bad file is refused with a message naming the block, wire or entry and its line.
+*/
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "hostapp/diagram.h"
+#include "support.h"
+
+namespace {
+
+std::string refusal(const std::string &text)
+{
+    std::string error;
+    EXPECT_FALSE(hostapp::loadDiagramText(text, "bad.json", error));
+    return error;
+}
+
+class DiagramFile : public ::testing::Test {
+protected:
+    void TearDown() override { hostapp::clearDiagram(); }
+};
+
+TEST_F(DiagramFile, EveryExampleLoads)
+{
+    int count = 0;
+    for (const auto &entry : std::filesystem::directory_iterator(std::string(PRAXA_SOURCE_DIR) + "/examples")) {
+        if (entry.path().extension() != ".json")
+            continue;
+        std::string error;
+        EXPECT_TRUE(hostapp::loadDiagramFile(entry.path().string(), error)) << error;
+        ++count;
+    }
+    EXPECT_GE(count, 6);
+}
+
+TEST_F(DiagramFile, TextThatIsNotJsonIsRefusedWithItsLine)
+{
+    EXPECT_EQ(refusal("{\n  \"blocks\": [\n    {\"id\": \"a\" \"type\": \"gain\"}\n  ]\n}"),
+              "bad.json:3: not valid JSON: syntax error while parsing object - unexpected string literal; "
+              "expected '}'");
+    EXPECT_EQ(refusal(""), "bad.json:1: not valid JSON: syntax error while parsing value - unexpected end of "
+                           "input; expected '[', '{', or a literal");
+    EXPECT_EQ(refusal("[1, 2]"), "bad.json:1: a diagram file holds one JSON object with \"blocks\" and \"wires\"");
+}
+
+TEST_F(DiagramFile, UnknownBlockTypeNamesTheBlockAndLine)
+{
+    EXPECT_EQ(refusal(R"({
+  "blocks": [
+    {"id": "ref", "type": "step", "value": 1},
+    {"id": "plant", "type": "tranferFunction", "num": [1], "den": [1, 1]}
+  ]
+})"),
+              "bad.json:4: block 'plant': unknown block type 'tranferFunction'");
+}
+
+TEST_F(DiagramFile, MissingAndUnknownParametersAreNamed)
+{
+    EXPECT_EQ(refusal(R"({"blocks": [
+        {"id": "ctrl", "type": "gain"}]})"),
+              "bad.json:2: block 'ctrl': missing parameter 'gain'");
+    EXPECT_EQ(refusal(R"({"blocks": [
+        {"id": "ctrl", "type": "gain", "gian": 2, "gain": 2}]})"),
+              "bad.json:2: block 'ctrl': a gain block has no parameter 'gian'");
+    EXPECT_EQ(refusal(R"({"blocks": [
+        {"id": "ctrl", "type": "gain",
+         "gain": "two"}]})"),
+              "bad.json:3: block 'ctrl': parameter 'gain' must be a number");
+    EXPECT_EQ(refusal(R"({"blocks": [{"type": "gain", "gain": 1}]})"),
+              "bad.json:1: block #1: missing parameter 'id' (a text)");
+    EXPECT_EQ(refusal(R"({"blocks": [{"id": "a.b", "type": "gain", "gain": 1}]})"),
+              "bad.json:1: block #1: the id 'a.b' must be a nonempty name without '.' or '/'");
+}
+
+TEST_F(DiagramFile, WiresToMissingPortsOrBlocksAreNamed)
+{
+    const char *const blocks = R"({"blocks": [
+        {"id": "ref", "type": "step", "value": 1},
+        {"id": "err", "type": "sum", "signs": "+-"}],
+      "wires": [
+        ["ref", "err.1"],
+        )";
+    EXPECT_EQ(refusal(std::string(blocks) + R"(["ref", "err.3"]]})"),
+              "bad.json:6: wire 'ref' -> 'err.3': block 'err' has no input 3");
+    EXPECT_EQ(refusal(std::string(blocks) + R"(["ref", "erx.2"]]})"),
+              "bad.json:6: wire 'ref' -> 'erx.2': no block 'erx'");
+    EXPECT_EQ(refusal(std::string(blocks) + R"(["err.2", "err.2"]]})"),
+              "bad.json:6: wire 'err.2' -> 'err.2': 'err.2' is an input; a wire starts at an output");
+    EXPECT_EQ(refusal(std::string(blocks) + R"(["ref", "err.1"]]})"),
+              "bad.json:6: wire 'ref' -> 'err.1': input 'err.1' already has a wire");
+    EXPECT_EQ(refusal(std::string(blocks) + R"(["ref", "err.out2"]]})"),
+              "bad.json:6: wire 'ref' -> 'err.out2': block 'err' has no output 2");
+    EXPECT_EQ(refusal(std::string(blocks) + R"(["ref", "err.x"]]})"),
+              "bad.json:6: wire 'ref' -> 'err.x': 'err.x' names no port (ports are out, outN, in, inN or N)");
+    EXPECT_EQ(refusal(std::string(blocks) + R"("ref"]})"),
+              "bad.json:6: wire #2 must be a pair [\"from\", \"to\"]");
+}
+
+TEST_F(DiagramFile, UnconnectedInputIsNamed)
+{
+    EXPECT_EQ(refusal(R"({"blocks": [
+        {"id": "ref", "type": "step", "value": 1},
+        {"id": "err", "type": "sum", "signs": "+-"}],
+      "wires": [["ref", "err.1"]]})"),
+              "bad.json:3: input 'err.2' is not connected");
+    /* Inside a compound the unconnected input named is the compound's own. */
+    EXPECT_EQ(refusal(R"({"blocks": [
+        {"id": "c", "type": "compound",
+         "blocks": [{"id": "k", "type": "gain", "gain": 1}],
+         "inputs": ["k"], "outputs": ["k"]}]})"),
+              "bad.json:2: input 'c.1' is not connected");
+}
+
+TEST_F(DiagramFile, AlgebraicLoopIsRefusedNamingItsBlocks)
+{
+    EXPECT_EQ(refusal(R"({"blocks": [
+        {"id": "ref", "type": "step", "value": 1},
+        {"id": "err", "type": "sum", "signs": "+-"},
+        {"id": "k", "type": "gain", "gain": 2},
+        {"id": "lead", "type": "transferFunction", "num": [1, 1], "den": [1, 2]},
+        {"id": "x", "type": "integrator"}],
+      "wires": [["ref", "err.1"], ["err", "k"], ["k", "lead"], ["lead", "err.2"], ["lead", "x"]]})"),
+              "bad.json:3: algebraic loop: 'err' -> 'k' -> 'lead' -> 'err' (each block's output depends on its "
+              "input at once; put a block with state in the loop)");
+    /* A strictly proper block in the loop breaks it. */
+    std::string error;
+    EXPECT_TRUE(hostapp::loadDiagramText(R"({"blocks": [
+        {"id": "ref", "type": "step", "value": 1}, {"id": "err", "type": "sum", "signs": "+-"},
+        {"id": "k", "type": "gain", "gain": 2}, {"id": "lag", "type": "transferFunction", "num": [1], "den": [1, 2]}],
+      "wires": [["ref", "err.1"], ["err", "k"], ["k", "lag"], ["lag", "err.2"]]})",
+                                         "good.json", error))
+        << error;
+}
+
+TEST_F(DiagramFile, ImproperTransferFunctionIsRefused)
+{
+    EXPECT_EQ(refusal(R"({"blocks": [
+        {"id": "src", "type": "constant", "value": 1},
+        {"id": "plant", "type": "transferFunction", "num": [1, 0, 0], "den": [1, 1]}],
+      "wires": [["src", "plant"]]})"),
+              "bad.json:3: block 'plant': improper transfer function: numerator degree 2 exceeds denominator degree 1");
+    EXPECT_EQ(refusal(R"({"blocks": [
+        {"id": "plant", "type": "discreteTransferFunction", "num": [1], "den": [0, 1]}]})"),
+              "bad.json:2: block 'plant': the denominator's leading coefficient is 0");
+}
+
+TEST_F(DiagramFile, NestedBlocksAreNamedByTheirPath)
+{
+    EXPECT_EQ(refusal(R"({"blocks": [
+        {"id": "outer", "type": "compound", "blocks": [
+            {"id": "ok", "type": "gain", "gain": 1},
+            {"id": "inner", "type": "stateSpace", "a": [[0, 1], [0, 0]], "b": [0, 1], "c": [1]}],
+         "inputs": ["ok"], "outputs": ["inner"]}]})"),
+              "bad.json:4: block 'outer/inner': parameter 'c' must hold 2 numbers, one per state");
+    EXPECT_EQ(refusal(R"({"blocks": [
+        {"id": "outer", "type": "compound", "blocks": [{"id": "ok", "type": "gain", "gain": 1}],
+         "wires": [["ok", "nope"]],
+         "inputs": ["ok"], "outputs": ["ok"]}]})"),
+              "bad.json:3: wire 'ok' -> 'nope' in 'outer': no block 'nope' in 'outer'");
+}
+
+TEST_F(DiagramFile, SelectionReferencesAndInitialStatesAreChecked)
+{
+    const std::string blocks = R"({"blocks": [{"id": "src", "type": "constant", "value": 1},
+        {"id": "x", "type": "integrator"}], "wires": [["src", "x"]],
+        )";
+    EXPECT_EQ(refusal(blocks + R"("selection": ["x", "y"]})"),
+              "bad.json:3: selection: no block 'y' at the top level of the diagram");
+    EXPECT_EQ(refusal(blocks + R"("selection": ["x", "x"]})"), "bad.json:3: selection: block 'x' is named twice");
+    EXPECT_EQ(refusal(blocks + R"("input": "x.2"})"), "bad.json:3: input point: block 'x' has no input 2");
+    EXPECT_EQ(refusal(blocks + R"("initialStates": {"src": 1}})"), "bad.json:3: block 'src' has no state to set");
+    EXPECT_EQ(refusal(blocks + R"("initialStates": {"x": [1, 2]}})"),
+              "bad.json:3: block 'x': the initial state must hold 1 number(s)");
+    EXPECT_EQ(refusal(blocks + R"("inputs": "x.2"})"), "bad.json:3: unknown entry 'inputs'");
+}
+
+TEST_F(DiagramFile, RefusedFileLeavesThePreviousDiagram)
+{
+    std::string error;
+    ASSERT_TRUE(hostapp::loadDiagramFile(std::string(PRAXA_SOURCE_DIR) + "/examples/servo.json", error)) << error;
+    EXPECT_FALSE(hostapp::loadDiagramFile("/nonexistent/diagram.json", error));
+    EXPECT_EQ(error, "cannot read diagram /nonexistent/diagram.json: No such file or directory");
+    EXPECT_NE(hostapp::diagramBlock("motor"), nullptr);
+    refusal("{");
+    EXPECT_NE(hostapp::diagramBlock("motor"), nullptr);
+}
+
+}
+
+namespace {
+
+TEST_F(DiagramFile, HostileSizesAreRefused)
+{
+    std::string den = "[1";
+    for (int i = 0; i < 1001; ++i)
+        den += ", 0";
+    den += "]";
+    EXPECT_EQ(refusal(R"({"blocks": [{"id": "big", "type": "transferFunction", "num": [1], "den": )" + den + "}]}"),
+              "bad.json:1: block 'big': 1001 states are more than the 1000 a block may hold");
+    EXPECT_EQ(refusal(R"({"blocks": [{"id": "empty", "type": "transferFunction", "num": [1], "den": []}]})"),
+              "bad.json:1: block 'empty': the denominator's leading coefficient is 0");
+
+    std::string nested = R"({"id": "k", "type": "gain", "gain": 1})";
+    for (int i = 0; i < 40; ++i)
+        nested = R"({"id": "c", "type": "compound", "blocks": [)" + nested + "]}";
+    std::string error = refusal(R"({"blocks": [)" + nested + "]}");
+    EXPECT_NE(error.find("compound blocks nest more than 32 deep"), std::string::npos) << error;
+}
+
+}

@@ -1,0 +1,69 @@
+/*
+** tests/linearize/fixture.h: a host with the plug-in linked in and a diagram loaded
+** from text or from examples/, for the tests of reference points, linearizer and dialog.
+*/
+#ifndef PRAXA_TEST_LINEARIZE_FIXTURE_H
+#define PRAXA_TEST_LINEARIZE_FIXTURE_H
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "hostapp/diagram.h"
+#include "linearize/linearize.h"
+#include "platform/driver.h"
+#include "support.h"
+
+class DiagramTest : public ::testing::Test {
+protected:
+    testing_support::TempDir dir;
+
+    void SetUp() override
+    {
+        hostapp::clearDiagram();
+        testing_support::startHostWithPlugin(dir.file("tervan.ini"), dir.path);
+        platform::clearTranscript();
+    }
+    void TearDown() override { hostapp::clearDiagram(); }
+
+    void load(const std::string &text)
+    {
+        std::string error;
+        ASSERT_TRUE(hostapp::loadDiagramText(text, "test.json", error)) << error;
+    }
+    /* Loads examples/NAME and clicks its own reference points, as the command line does. */
+    void loadExample(const std::string &name)
+    {
+        std::string error;
+        ASSERT_TRUE(hostapp::loadDiagramFile(std::string(PRAXA_SOURCE_DIR) + "/examples/" + name, error)) << error;
+        ASSERT_TRUE(hostapp::applyDiagramReferencePoints(error)) << error;
+    }
+    void click(const std::string &point)
+    {
+        std::string error;
+        ASSERT_TRUE(hostapp::clickReferencePoint(point, error)) << error;
+    }
+    RefPoint *point(const std::string &name)
+    {
+        RefPoint *found = hostapp::diagramPoint(name);
+        EXPECT_NE(found, nullptr) << name;
+        return found;
+    }
+    bool highlighted(const std::string &name) { return (point(name)->flags & REF_FLAG_HIGHLIGHT) != 0; }
+    std::vector<std::string> messages() const { return platform::transcript(); }
+};
+
+/* Expects m to be rows x cols with the given elements, row by row, within tolerance. */
+inline void expectMatrix(const Matrix *m, uint32_t rows, uint32_t cols, const std::vector<double> &byRow,
+                         double tolerance = 1e-8)
+{
+    ASSERT_NE(m, nullptr);
+    ASSERT_EQ(m->rows, rows);
+    ASSERT_EQ(m->cols, cols);
+    for (uint32_t i = 0; i < rows; ++i)
+        for (uint32_t j = 0; j < cols; ++j)
+            EXPECT_NEAR(m->data[j * rows + i], byRow[i * cols + j], tolerance) << "element (" << i << "," << j << ")";
+}
+
+#endif
