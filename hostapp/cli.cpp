@@ -347,14 +347,13 @@ int runCommandLine(int argc, char **argv)
         return unusable("cannot create output folder " + session.outputDir + ": " + std::strerror(errno));
 
     std::string error;
+    state.mainWindow = platform::createMainWindow("Tervan");
+    platform::setMainWindowHandler(mainWindowMessage);
     if (!session.diagramPath.empty() && !loadDiagramFile(session.diagramPath, error))
         return unusable(error);
     std::string pluginPath = session.pluginPath.empty() ? defaultPluginPath() : session.pluginPath;
     if (!loadPlugin(pluginPath, state.plugin, error))
         return unusable(error);
-
-    state.mainWindow = platform::createMainWindow("Tervan");
-    platform::setMainWindowHandler(mainWindowMessage);
     state.plugin.init(state.mainWindow);
     if (!session.diagramPath.empty() && !applyDiagramReferencePoints(error))
         return unusable(error);

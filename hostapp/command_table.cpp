@@ -5,6 +5,8 @@
 
 #include <cstdlib>
 
+#include "resources/prxdlg.h"
+
 namespace hostapp {
 
 using platform::ActionKind;
@@ -195,37 +197,37 @@ bool parseCommandOptions(const CommandSpec &command, const std::vector<std::stri
         };
         bool ok;
         if (name == "linearize" && option == "--file") {
-            run.actions.push_back(action(dialog, ActionKind::Click, 207));
-            ok = typed(101);
+            run.actions.push_back(action(dialog, ActionKind::Click, IDC_LIN_TO_FILE));
+            ok = typed(IDC_LIN_RESULT_FILE);
         } else if (name == "linearize" && option == "--screen") {
-            run.actions.push_back(action(dialog, ActionKind::Click, 208));
+            run.actions.push_back(action(dialog, ActionKind::Click, IDC_LIN_TO_SCREEN));
             ok = true;
         } else if (name == "linearize" && option == "--select-points") {
-            run.actions.push_back(action(dialog, ActionKind::Click, 234));
+            run.actions.push_back(action(dialog, ActionKind::Click, IDC_LIN_SELECT_POINTS));
             ok = true;
         } else if ((name == "frequency-range" || name == "rlocus-options") && option == "--start") {
-            ok = typed(102);
+            ok = typed(IDC_OPTION_START);
         } else if ((name == "frequency-range" || name == "rlocus-options") && option == "--stop") {
-            ok = typed(103);
+            ok = typed(IDC_OPTION_STOP);
         } else if ((name == "frequency-range" || name == "rlocus-options") && option == "--steps") {
-            ok = typed(104);
+            ok = typed(IDC_OPTION_STEPS);
         } else if (name == "rlocus-options" && (option == "--auto" || option == "--no-auto")) {
-            run.actions.push_back(action(dialog, option == "--auto" ? ActionKind::Check : ActionKind::Uncheck, 1029));
+            run.actions.push_back(action(dialog, option == "--auto" ? ActionKind::Check : ActionKind::Uncheck, IDC_OPTION_AUTO_RANGE));
             ok = true;
         } else if (name == "preferences" && option == "--frequency-unit") {
-            ok = choice({{"hertz", 210}, {"rad", 211}});
+            ok = choice({{"hertz", IDC_PREF_HERTZ}, {"rad", IDC_PREF_RADIANS_SEC}});
         } else if (name == "preferences" && option == "--phase-unit") {
-            ok = choice({{"degrees", 212}, {"radians", 213}});
+            ok = choice({{"degrees", IDC_PREF_DEGREES}, {"radians", IDC_PREF_RADIANS}});
         } else if (name == "preferences" && option == "--magnitude-unit") {
-            ok = choice({{"db", 215}, {"log10", 216}});
+            ok = choice({{"db", IDC_PREF_DECIBELS}, {"log10", IDC_PREF_LOG10}});
         } else if (name == "preferences" && option == "--precision") {
-            ok = typed(203);
+            ok = typed(IDC_PREF_PRECISION);
         } else if (name == "preferences" && option == "--numerator-threshold") {
-            ok = typed(200);
+            ok = typed(IDC_PREF_NUMERATOR);
         } else if (name == "preferences" && option == "--denominator-threshold") {
-            ok = typed(201);
+            ok = typed(IDC_PREF_DENOMINATOR);
         } else if (name == "preferences" && (option == "--negative-frequencies" || option == "--no-negative-frequencies")) {
-            run.actions.push_back(action(dialog, option == "--negative-frequencies" ? ActionKind::Check : ActionKind::Uncheck, 1035));
+            run.actions.push_back(action(dialog, option == "--negative-frequencies" ? ActionKind::Check : ActionKind::Uncheck, IDC_PREF_NEGATIVE_FREQ));
             ok = true;
         } else {
             ok = parseGenericOption(args, i, run, error);

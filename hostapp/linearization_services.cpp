@@ -69,10 +69,12 @@ std::vector<Block *> blocksOf(const HostList *list)
 
 /* The step by which calcACMatrix moves a state: small against the state, so that A and
 ** C of a nonlinear diagram are its derivatives at the operating point (the central
-** difference errs by the square of the step) while rounding stays far below 1e-9. */
+** difference errs by the square of the step, about 2e-10 relative here), and a power of
+** two, so that x +- step and the division by 2 step are exact: a linear diagram then
+** gets its coefficients without rounding residue (A = -10, not -10.00000000001). */
 double stateStep(double state)
 {
-    return 1e-5 * std::max(1.0, std::fabs(state));
+    return std::ldexp(1.0, -16) * std::exp2(std::ceil(std::log2(std::max(1.0, std::fabs(state)))));
 }
 
 }

@@ -166,6 +166,8 @@ const char *floatToString(double value)
 {
     /* The shortest text that reads back as the same double. */
     static char text[64];
+    if (value == 0.0)
+        value = 0.0;    /* a negative zero reads as 0 */
     auto result = std::to_chars(text, text + sizeof text - 1, value);
     *result.ptr = '\0';
     return text;

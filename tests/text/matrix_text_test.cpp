@@ -12,6 +12,7 @@
 #include "hostapp/host_state.h"
 #include "numeric/matrix.h"
 #include "shell/text.h"
+#include "support.h"
 #include "text_support.h"
 
 using namespace testing_text;
@@ -31,6 +32,7 @@ Matrix *fromRows(uint32_t rows, uint32_t cols, std::initializer_list<double> val
 class MatrixText : public ::testing::Test {
 protected:
     PrecisionScope precision{6};
+    testing_support::TempDir dir;   /* one per test: ctest runs test binaries in parallel */
     int16_t savedChoice = linOutputChoice;
     void SetUp() override
     {
@@ -42,7 +44,7 @@ protected:
     /* Runs print in file mode into a fresh file and returns the file's text. */
     template <typename Print> std::string inFile(Print print)
     {
-        hostapp::host().outputDir = ::testing::TempDir();
+        hostapp::host().outputDir = dir.path;
         linOutputChoice = LIN_OUTPUT_FILE;
         EXPECT_NE(fileOpen("matrix_text.m", FILE_OPEN_WRITE_CREATE_TRUNC), 0);
         print();
