@@ -1,0 +1,129 @@
+/*
+** Menu commands on a loaded diagram: each analysis linearizes first, Linearize keeps
+** its file name, plots are reused or created as the settings say, and Nyquist limits
+** the range of a sampled model in memory only.
+*/
+#include <gtest/gtest.h>
+
+#include "hostapp/diagram.h"
+#include "hostapp/host_state.h"
+#include "linearize/linearize.h"
+#include "platform/driver.h"
+#include "shell/praxa.h"
+#include "shell/settings.h"
+#include "shell/text.h"
+#include "support.h"
+
+using namespace testing_support;
+
+namespace {
+
+class Commands : public ::testing::Test {
+protected:
+    TempDir dir;
+    std::string settings = dir.file("tervan.ini");
+
+    void start(const std::string &example, const std::string &settingsText = "")
+    {
+        writeFile(settings, settingsText);
+        reusePlots = 0;
+        frequencyUnit.selected = FREQUENCY_UNIT_RADIANS;
+        startHostWithPlugin(settings, dir.path);
+        std::string error;
+        ASSERT_TRUE(hostapp::loadDiagramFile(std::string(PRAXA_SOURCE_DIR) + "/examples/" + example, error)) << error;
+        ASSERT_TRUE(hostapp::applyDiagramReferencePoints(error)) << error;
+        platform::clearTranscript();
+    }
+    void TearDown() override
+    {
+        bodePhasePlot = bodeMagnitudePlot = nyquistPlot = rootLocusPlot = nullptr;
+        hostapp::resetHost();
+    }
+};
+
+TEST_F(Commands, LinearizeToAFileRemembersTheNameWithoutItsExtension)
+{
+    start("servo.json");
+    platform::queueDialogAction({"LINEARIZE", platform::ActionKind::Click, 207, "", 0});
+    platform::queueDialogAction({"LINEARIZE", platform::ActionKind::Type, 101, "sys.m", 0});
+    EXPECT_EQ(praxaCmd(206), 1);
+    EXPECT_EQ(readFile(dir.file("sys.m")).substr(0, 27), "function [a,b,c,d] = sys\na ");
+    EXPECT_EQ(linOutputChoice, 208);
+
+    platform::clearTranscript();
+    platform::queueDialogAction({"LINEARIZE", platform::ActionKind::Cancel, 0, "", 0});
+    EXPECT_EQ(praxaCmd(206), 1);
+    std::string text = platform::transcriptText();
+    EXPECT_NE(text.find("  edit 101 \"sys\"\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("  radio 208 \"Linearize to Screen Display\" [x]\n"), std::string::npos) << text;
+}
+
+TEST_F(Commands, AnalysesStopQuietlyWhenLinearizationFails)
+{
+    start("servo.json");
+    std::string error;
+    ASSERT_TRUE(hostapp::selectBlocks({"ref"}, error)) << error;
+    platform::clearTranscript();
+    EXPECT_EQ(praxaCmd(243), 1);
+    EXPECT_EQ(platform::transcriptText(), "[Tervan] No blocks with state in selection\n");
+    EXPECT_EQ(praxaCmd(242), 1);
+    EXPECT_EQ(bodePhasePlot, nullptr);
+}
+
+TEST_F(Commands, FrequencyResponseReusesBothPlotsOnlyWhenAskedAndWhileTheyExist)
+{
+    start("servo.json", "[tervan]\nprxReusePlots=1\n");
+    EXPECT_EQ(praxaCmd(242), 1);
+    HostBlock *phase = bodePhasePlot, *magnitude = bodeMagnitudePlot;
+    ASSERT_NE(phase, nullptr);
+    ASSERT_NE(magnitude, nullptr);
+    EXPECT_NE(phase, magnitude);
+    EXPECT_EQ(praxaCmd(242), 1);
+    EXPECT_EQ(bodePhasePlot, phase);
+    EXPECT_EQ(bodeMagnitudePlot, magnitude);
+
+    praxaEvent(253, (intptr_t)magnitude);
+    EXPECT_EQ(praxaCmd(242), 1);
+    EXPECT_NE(bodeMagnitudePlot, nullptr);
+    EXPECT_NE(bodePhasePlot, phase) << "deleting one Bode plot makes the next run create both anew";
+
+    praxaCmd(296); /* reuse off */
+    HostBlock *before = bodePhasePlot;
+    EXPECT_EQ(praxaCmd(242), 1);
+    EXPECT_NE(bodePhasePlot, before);
+}
+
+TEST_F(Commands, NyquistOfASampledModelInHertzStopsAtOneHertzInMemoryOnly)
+{
+    start("sampled_loop.json", "[tervan]\nfreqUnits=210\nfreqStop=100\n");
+    EXPECT_EQ(praxaCmd(250), 1);
+    EXPECT_NE(nyquistPlot, nullptr);
+    EXPECT_EQ(frequencyRange.stop, 1.0);
+    EXPECT_NE(readFile(settings).find("freqStop=100\n"), std::string::npos);
+    HostBlock *first = nyquistPlot;
+    EXPECT_EQ(praxaCmd(250), 1);
+    EXPECT_NE(nyquistPlot, first) << "a Nyquist plot is never reused";
+}
+
+TEST_F(Commands, NyquistOfASampledModelInRadiansStopsAtTwoPi)
+{
+    start("sampled_loop.json", "[tervan]\nfreqStop=100\n");
+    EXPECT_EQ(praxaCmd(250), 1);
+    EXPECT_EQ(frequencyRange.stop, 6.283185307179586);
+}
+
+TEST_F(Commands, TransferFunctionInfoShowsBothDialogsForTheLinearizedModel)
+{
+    start("servo.json");
+    EXPECT_EQ(praxaCmd(243), 1);
+    std::string text = platform::transcriptText();
+    size_t info = text.find("[dialog] Transfer Function\n");
+    size_t poles = text.find("[dialog] Zeros and Poles\n");
+    ASSERT_NE(info, std::string::npos) << text;
+    ASSERT_NE(poles, std::string::npos) << text;
+    EXPECT_LT(info, poles);
+    EXPECT_NE(text.find("  static 109 \"20\"\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("  listbox 108: \"(-10,0)\" | \"(-1,0)\" | \"(0,0)\"\n"), std::string::npos) << text;
+}
+
+}
