@@ -42,6 +42,20 @@ static int stateCount()
     return (int)stateSpaceModel.A->rows;
 }
 
+/* Limits the plot's bounds to the square of side 2m around the origin, m = ceil(|radius|). */
+void clampPlotToRadius(PlotRecord *plot, double radius)
+{
+    double m = std::ceil(std::fabs(radius));
+    if (std::fabs(plot->xMin) > m)
+        plot->xMin = -m;
+    if (std::fabs(plot->xMax) > m)
+        plot->xMax = m;
+    if (std::fabs(plot->yMin) > m)
+        plot->yMin = -m;
+    if (std::fabs(plot->yMax) > m)
+        plot->yMax = m;
+}
+
 static void rootLocusCommand()
 {
     double samplePeriod = 0.0;
@@ -61,14 +75,9 @@ static void rootLocusCommand()
     double *denominator = nullptr;
     timeToFrequency(stateSpaceModel.A, stateSpaceModel.B, stateSpaceModel.C, stateSpaceModel.D,
                     &numerator, &denominator, nullptr, 0);
-    double radius = 0.0; /* the sweep fills the plot and gives its extreme coordinate */
+    /* The gain sweep fills the plot and returns its extreme coordinate; it is not in this
+    ** build yet, so the plot stays empty and keeps the bounds the host gives it. */
     finishPlot(rootLocusPlot, 0, 0, 0);
-    PlotRecord *plot = plotRecordOf(rootLocusPlot);
-    double m = std::ceil(std::fabs(radius));
-    if (std::fabs(plot->xMin) > m) plot->xMin = -m;
-    if (std::fabs(plot->xMax) > m) plot->xMax = m;
-    if (std::fabs(plot->yMin) > m) plot->yMin = -m;
-    if (std::fabs(plot->yMax) > m) plot->yMax = m;
     invalidateWin(rootLocusPlot->window);
     gfree(numerator);
     gfree(denominator);

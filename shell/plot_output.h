@@ -19,5 +19,7 @@ inline PlotRecord *plotRecordOf(HostBlock *plot) { return (PlotRecord *)plot->ki
 void setupFrequencyPlot(PlotRecord *plot, const char *titleBase, const RangeSettings *range);
 HostBlock *makeRootLocusPlot(int traceCount);
 void finishPlot(HostBlock *plot, uint8_t xLogarithmic, uint8_t yMagnitude, uint8_t boundsFlag);
+/* Limits a root locus plot to the square of side 2 ceil(|radius|) around the origin. */
+void clampPlotToRadius(PlotRecord *plot, double radius);
 
 #endif

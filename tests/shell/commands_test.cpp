@@ -9,6 +9,7 @@
 #include "hostapp/host_state.h"
 #include "linearize/linearize.h"
 #include "platform/driver.h"
+#include "shell/plot_output.h"
 #include "shell/praxa.h"
 #include "shell/settings.h"
 #include "shell/text.h"
@@ -124,6 +125,27 @@ TEST_F(Commands, TransferFunctionInfoShowsBothDialogsForTheLinearizedModel)
     EXPECT_LT(info, poles);
     EXPECT_NE(text.find("  static 109 \"20\"\n"), std::string::npos) << text;
     EXPECT_NE(text.find("  listbox 108: \"(-10,0)\" | \"(-1,0)\" | \"(0,0)\"\n"), std::string::npos) << text;
+}
+
+}
+
+namespace {
+
+TEST(RootLocusBounds, RadiusTwoPointThreeClampsEveryBoundBeyondThree)
+{
+    PlotRecord plot{};
+    plot.xMin = -7.5;
+    plot.xMax = 2.9;
+    plot.yMin = -3.0;
+    plot.yMax = 3.01;
+    clampPlotToRadius(&plot, 2.3);
+    EXPECT_EQ(plot.xMin, -3.0);
+    EXPECT_EQ(plot.xMax, 2.9);
+    EXPECT_EQ(plot.yMin, -3.0);
+    EXPECT_EQ(plot.yMax, 3.0);
+    plot.xMax = 12;
+    clampPlotToRadius(&plot, -4.0);
+    EXPECT_EQ(plot.xMax, 4.0);
 }
 
 }
