@@ -32,6 +32,9 @@ extern double samplePeriod;
 extern HostList executionList;      /* the marked blocks in the host's execution order */
 extern HostList stateEntryList;     /* pointers to the states' doubles */
 extern HostList derivEntryList;     /* pointers to the derivatives' doubles */
+/* Empties the gathered block lists and the linearizer's execution, state entry and
+** derivative entry lists (counts to 0; the storage stays with the host). */
+void emptyGatheredLists();
 /* Marks (flag nonzero) or unmarks every block of every candidate tree; marking also
 ** gathers and orders the state blocks and finds samplePeriod. */
 void markCandidates(intptr_t flag);

@@ -98,11 +98,7 @@ int linearize(double *periodOut)
     if (!tervanInternalRequest(TERVAN_INTERNAL_LINEARIZE, 230, 0))
         return 0;
 
-    stateBlockList.count = 0;
-    executionList.count = 0;
-    stateEntryList.count = 0;
-    derivEntryList.count = 0;
-    discreteBlockList.count = 0;
+    emptyGatheredLists();
     markCandidates(1);
 
     confirmOrCollect(&outputRefList, isLinOutputRef, getVisitedOutput);

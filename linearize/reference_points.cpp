@@ -96,6 +96,15 @@ static void candidateVisitor(HostBlock *candidate, intptr_t flag)
     operateNodeTree(candidate, markBlock, flag);
 }
 
+void emptyGatheredLists()
+{
+    stateBlockList.count = 0;
+    discreteBlockList.count = 0;
+    executionList.count = 0;
+    stateEntryList.count = 0;
+    derivEntryList.count = 0;
+}
+
 void markCandidates(intptr_t flag)
 {
     if (!flag) {
@@ -122,11 +131,7 @@ extern "C" void selLinRefPoint(RefPoint *point)
     if (!point)
         return;
     bool wasHighlighted = (point->flags & REF_FLAG_HIGHLIGHT) != 0;
-    stateBlockList.count = 0;
-    discreteBlockList.count = 0;
-    executionList.count = 0;
-    stateEntryList.count = 0;
-    derivEntryList.count = 0;
+    emptyGatheredLists();
     markCandidates(1);
 
     bool isOutput = isLinOutputRef(point) != 0;

@@ -126,3 +126,18 @@ void showHelp(int topic)
 {
     tervanRequest(TERVAN_REQ_HELP, TERVAN_HELP_FILE, topic);
 }
+
+INT_PTR displayDialogCommand(HWND dialog, int id, int helpTopic)
+{
+    switch (id) {
+    case IDOK:
+    case IDCANCEL:
+        EndDialog(dialog, id);
+        return TRUE;
+    case HELP_BUTTON:
+        showHelp(helpTopic);
+        return TRUE;
+    default:
+        return FALSE;
+    }
+}

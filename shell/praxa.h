@@ -57,4 +57,8 @@ INT_PTR runDialog(const char *templateName, DLGPROC procedure);
 /* Asks the host to open its help on a topic (every Help button). */
 void showHelp(int topic);
 
+/* WM_COMMAND of a dialog that only displays: OK and Cancel end it with their id, Help
+** (id 9) opens the help topic; TRUE when the command was one of these. */
+INT_PTR displayDialogCommand(HWND dialog, int id, int helpTopic);
+
 #endif

@@ -28,16 +28,5 @@ INT_PTR poleZeroDlg(HWND dialog, UINT message, WPARAM wParam, LPARAM)
     }
     if (message != WM_COMMAND)
         return FALSE;
-    int id = LOWORD(wParam);
-    switch (id) {
-    case IDOK:
-    case IDCANCEL:
-        EndDialog(dialog, id);
-        return TRUE;
-    case IDC_POLEZERO_HELP:
-        showHelp(POLE_ZERO_HELP_TOPIC);
-        return TRUE;
-    default:
-        return FALSE;
-    }
+    return displayDialogCommand(dialog, LOWORD(wParam), POLE_ZERO_HELP_TOPIC);
 }

@@ -64,16 +64,5 @@ INT_PTR xferInfoDlg(HWND dialog, UINT message, WPARAM wParam, LPARAM)
     }
     if (message != WM_COMMAND)
         return FALSE;
-    int id = LOWORD(wParam);
-    switch (id) {
-    case IDOK:
-    case IDCANCEL:
-        EndDialog(dialog, id);
-        return TRUE;
-    case IDC_XFERINFO_HELP:
-        showHelp(XFER_INFO_HELP_TOPIC);
-        return TRUE;
-    default:
-        return FALSE;
-    }
+    return displayDialogCommand(dialog, LOWORD(wParam), XFER_INFO_HELP_TOPIC);
 }
