@@ -14,6 +14,7 @@
 
 #include "hostapp/host_state.h"
 #include "linearize/linearize.h"
+#include "numeric/matrix.h"
 #include "platform/driver.h"
 #include "shell/praxa.h"
 
@@ -45,6 +46,21 @@ void startHostWithPlugin(const std::string &settingsPath, const std::string &out
     host.plugin.resetRefPoints = linResetRefPoints;
     host.mainWindow = platform::createMainWindow("Tervan");
     praxaInit(host.mainWindow);
+}
+
+std::string examplePath(const std::string &name)
+{
+    return std::string(PRAXA_SOURCE_DIR) + "/examples/" + name;
+}
+
+Matrix *matrixFromRows(uint32_t rows, uint32_t cols, std::initializer_list<double> values)
+{
+    Matrix *m = matDecl(rows, cols);
+    auto it = values.begin();
+    for (uint32_t i = 0; i < rows; i++)
+        for (uint32_t j = 0; j < cols && it != values.end(); j++)
+            m->data[j * rows + i] = *it++;
+    return m;
 }
 
 std::string readFile(const std::string &path)

@@ -5,7 +5,11 @@
 #ifndef PRAXA_TEST_SUPPORT_H
 #define PRAXA_TEST_SUPPORT_H
 
+#include <cstdint>
+#include <initializer_list>
 #include <string>
+
+struct Matrix;
 
 namespace testing_support {
 
@@ -28,6 +32,12 @@ struct RunResult {
     std::string err;
 };
 RunResult runPraxa(const std::string &arguments);
+
+/* The path of a bundled example diagram, examples/NAME. */
+std::string examplePath(const std::string &name);
+
+/* A rows x cols matrix from its rows, as written on paper; freed by the caller (gfree). */
+Matrix *matrixFromRows(uint32_t rows, uint32_t cols, std::initializer_list<double> values);
 
 std::string readFile(const std::string &path);
 void writeFile(const std::string &path, const std::string &text);

@@ -17,7 +17,7 @@ protected:
     RunResult praxa(const std::string &example, const std::string &arguments)
     {
         return runPraxa("--settings " + dir.file("tervan.ini") + " --out " + dir.path + " " +
-                        std::string(PRAXA_SOURCE_DIR) + "/examples/" + example + " " + arguments);
+                        examplePath(example) + " " + arguments);
     }
 };
 
@@ -77,14 +77,12 @@ TEST_F(Analyses, ReferencePointsPickedOnTheCommandLine)
     /* The output at the plant instead of after the unit delay: the model now sees the plant. */
     RunResult run = praxa("unit_delay.json", "--output plant.out linearize");
     EXPECT_EQ(run.status, 2) << "options go before the diagram";
-    run = runPraxa("--settings " + dir.file("tervan.ini") + " --output plant.out " + PRAXA_SOURCE_DIR +
-                   "/examples/unit_delay.json linearize");
+    run = runPraxa("--settings " + dir.file("tervan.ini") + " --output plant.out " + examplePath("unit_delay.json") + " linearize");
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_NE(run.out.find("[Tervan Debug] Praxa can't handle unit delay\n"), std::string::npos) << run.out;
     EXPECT_NE(run.out.find("[Tervan] c = [1 ];\n"), std::string::npos) << run.out;
 
-    run = runPraxa("--settings " + dir.file("tervan.ini") + " --output nowhere.out " + PRAXA_SOURCE_DIR +
-                   "/examples/unit_delay.json linearize");
+    run = runPraxa("--settings " + dir.file("tervan.ini") + " --output nowhere.out " + examplePath("unit_delay.json") + " linearize");
     EXPECT_EQ(run.status, 2);
     EXPECT_NE(run.err.find("nowhere"), std::string::npos) << run.err;
 }

@@ -4,6 +4,8 @@
 */
 #include <gtest/gtest.h>
 
+#include "support.h"
+
 #include <cmath>
 #include <vector>
 
@@ -34,7 +36,7 @@ protected:
     void loadExample(const std::string &name)
     {
         std::string error;
-        ASSERT_TRUE(hostapp::loadDiagramFile(std::string(PRAXA_SOURCE_DIR) + "/examples/" + name, error)) << error;
+        ASSERT_TRUE(hostapp::loadDiagramFile(testing_support::examplePath(name), error)) << error;
     }
     HostList *newList()
     {

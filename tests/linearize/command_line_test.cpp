@@ -11,30 +11,12 @@ namespace {
 using testing_support::readFile;
 using testing_support::runPraxa;
 using testing_support::TempDir;
-
-std::string example(const std::string &name)
-{
-    return std::string(PRAXA_SOURCE_DIR) + "/examples/" + name;
-}
-
-TEST(LinearizeCommandLine, ServoIsWrittenToTheNamedResultFile)
-{
-    TempDir dir;
-    auto run = runPraxa("--settings " + dir.file("tervan.ini") + " --out " + dir.path + " " + example("servo.json") +
-                        " linearize --click 207 --type 101=servo.m");
-    EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_EQ(readFile(dir.file("servo.m")), "function [a,b,c,d] = servo\n"
-                                             "a = [-10 0 0 ;\n    10 -1 0 ;\n    0 1 0 ];\n"
-                                             "b = [2 ;\n    0 ;\n    0 ];\n"
-                                             "c = [0 0 1 ];\n"
-                                             "d = [0 ];\n");
-    EXPECT_NE(run.out.find("[file written] " + dir.file("servo.m")), std::string::npos) << run.out;
-}
+using testing_support::examplePath;
 
 TEST(LinearizeCommandLine, FirstRunShowsAnEmptyNameAndScreenDisplay)
 {
     TempDir dir;
-    auto run = runPraxa("--settings " + dir.file("tervan.ini") + " " + example("pendulum_hanging.json") + " linearize");
+    auto run = runPraxa("--settings " + dir.file("tervan.ini") + " " + examplePath("pendulum_hanging.json") + " linearize");
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_NE(run.out.find("  edit 101 \"\"\n"), std::string::npos) << run.out;
     EXPECT_NE(run.out.find("  radio 208 \"Linearize to Screen Display\" [x]\n"), std::string::npos) << run.out;
@@ -51,7 +33,7 @@ TEST(LinearizeCommandLine, PointsPickedOnTheCommandLineReplaceTheDiagramsOwn)
 {
     TempDir dir;
     /* Output after the amplifier instead of the motor: amp' = -10 amp + 2 u, y = 10 amp. */
-    auto run = runPraxa("--settings " + dir.file("tervan.ini") + " --output amp.out " + example("servo.json") +
+    auto run = runPraxa("--settings " + dir.file("tervan.ini") + " --output amp.out " + examplePath("servo.json") +
                         " linearize");
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_NE(run.out.find("[Tervan] c = [10 0 0 ];\n"), std::string::npos) << run.out;

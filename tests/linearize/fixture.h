@@ -36,7 +36,7 @@ protected:
     void loadExample(const std::string &name)
     {
         std::string error;
-        ASSERT_TRUE(hostapp::loadDiagramFile(std::string(PRAXA_SOURCE_DIR) + "/examples/" + name, error)) << error;
+        ASSERT_TRUE(hostapp::loadDiagramFile(testing_support::examplePath(name), error)) << error;
         ASSERT_TRUE(hostapp::applyDiagramReferencePoints(error)) << error;
     }
     void click(const std::string &point)

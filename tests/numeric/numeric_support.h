@@ -13,6 +13,7 @@
 #include "host/host.h"
 #include "hostapp/host_state.h"
 #include "numeric/matrix.h"
+#include "support.h"
 #include "platform/driver.h"
 
 namespace testing_numeric {
@@ -20,12 +21,7 @@ namespace testing_numeric {
 /* A rows x cols matrix from its rows, as written on paper; freed by the caller (gfree). */
 inline Matrix *fromRows(uint32_t rows, uint32_t cols, std::initializer_list<double> values)
 {
-    Matrix *m = matDecl(rows, cols);
-    auto it = values.begin();
-    for (uint32_t i = 0; i < rows; i++)
-        for (uint32_t j = 0; j < cols; j++)
-            m->data[j * rows + i] = *it++;
-    return m;
+    return testing_support::matrixFromRows(rows, cols, values);
 }
 
 inline double &el(Matrix *m, uint32_t i, uint32_t j) { return m->data[j * m->rows + i]; }

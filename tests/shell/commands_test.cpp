@@ -31,7 +31,7 @@ protected:
         frequencyUnit.selected = FREQUENCY_UNIT_RADIANS;
         startHostWithPlugin(settings, dir.path);
         std::string error;
-        ASSERT_TRUE(hostapp::loadDiagramFile(std::string(PRAXA_SOURCE_DIR) + "/examples/" + example, error)) << error;
+        ASSERT_TRUE(hostapp::loadDiagramFile(examplePath(example), error)) << error;
         ASSERT_TRUE(hostapp::applyDiagramReferencePoints(error)) << error;
         platform::clearTranscript();
     }

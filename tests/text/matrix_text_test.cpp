@@ -21,12 +21,7 @@ namespace {
 
 Matrix *fromRows(uint32_t rows, uint32_t cols, std::initializer_list<double> values)
 {
-    Matrix *m = matDecl(rows, cols);
-    auto it = values.begin();
-    for (uint32_t i = 0; i < rows; i++)
-        for (uint32_t j = 0; j < cols; j++)
-            m->data[j * rows + i] = *it++;
-    return m;
+    return testing_support::matrixFromRows(rows, cols, values);
 }
 
 class MatrixText : public ::testing::Test {
