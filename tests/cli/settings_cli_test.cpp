@@ -40,25 +40,6 @@ TEST_F(SettingsCommands, StartNotBelowStopIsRefusedAndNothingIsWritten)
     EXPECT_EQ(readFile(settings), "");
 }
 
-TEST_F(SettingsCommands, StepCountOneIsRefusedAndTwoAccepted)
-{
-    RunResult run = praxa("frequency-range --start 1 --stop 10 --steps 1");
-    EXPECT_EQ(run.status, 1);
-    EXPECT_NE(run.out.find("[Tervan] step count too low\n"), std::string::npos) << run.out;
-    run = praxa("frequency-range --start 1 --stop 10 --steps 2");
-    EXPECT_EQ(run.status, 0) << run.out;
-    EXPECT_NE(readFile(settings).find("freqSteps=2\n"), std::string::npos);
-}
-
-TEST_F(SettingsCommands, StartIsStoredAtTheDisplayPrecision)
-{
-    RunResult run = praxa("frequency-range --start 0.123456789 --stop 10 --steps 20");
-    EXPECT_EQ(run.status, 0) << run.out;
-    std::string text = readFile(settings);
-    EXPECT_NE(text.find("rlocStart=.123457\n"), std::string::npos) << text;
-    EXPECT_NE(text.find("freqStart=.123457\n"), std::string::npos) << text;
-}
-
 TEST_F(SettingsCommands, RootLocusOptionsShowWhatFrequencyRangeLastTook)
 {
     praxa("frequency-range --start 1 --stop 10 --steps 20");
@@ -88,14 +69,6 @@ TEST_F(SettingsCommands, PreferencesWriteTheUnitsAndFlags)
     run = praxa("preferences");
     EXPECT_NE(run.out.find("  radio 210 \"Hertz\" [x]\n"), std::string::npos) << run.out;
     EXPECT_NE(run.out.find("checkbox 1035 \"Negative Frequencies in Nyquist Plot\" [x]\n"), std::string::npos);
-}
-
-TEST_F(SettingsCommands, ReuseOnWithoutTheNegativeFrequencyKeyLoadsAsWritten)
-{
-    writeFile(settings, "[tervan]\nprxReusePlots=1\n");
-    RunResult run = praxa("preferences");
-    EXPECT_NE(run.out.find("checkbox 1035 \"Negative Frequencies in Nyquist Plot\" [ ]\n"), std::string::npos) << run.out;
-    EXPECT_NE(readFile(settings).find("prxReusePlots=1\n"), std::string::npos);
 }
 
 }
