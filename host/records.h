@@ -117,7 +117,8 @@ static_assert(offsetof(PlotPointBuffer, capacity) == 0);
 static_assert(offsetof(PlotPointBuffer, highestIndex) == 4);
 static_assert(offsetof(PlotPointBuffer, values) == 8);
 
-/* The simulation-step request record passed to tvnRequest. */
+/* The simulation-step request record passed to tvnRequest.  Only the code is the
+** plug-in's; it sends the host's words beyond it as zeros (32 bytes in all). */
 enum : uint32_t { SIM_REQUEST_STEP = 8 };
 struct SimStepRequest {
     uint32_t code;

@@ -317,6 +317,8 @@ int runStep(const SessionStep &step)
     for (const platform::DialogAction &action : step.run.actions)
         platform::queueDialogAction(action);
     int handled = state.plugin.command(step.run.command->id);
+    /* Commands the plug-in leaves to the host: 234 starts the point selection; 254
+    ** selects nothing, as the stand-in's diagrams have no compensator block to pick. */
     if (!handled && step.run.command->id == 234)
         mainWindowMessage(WM_COMMAND, 234, 0);
     size_t unused = platform::pendingDialogActions();

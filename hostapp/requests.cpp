@@ -4,6 +4,7 @@
 **   tervanRequest 9: version x 10; 26: revision character; 73: open help on a topic;
 **                 75: a plot trace's point buffer.
 **   tervanInternalRequest 1: may the plug-in linearize now; 4: take a compensator.
+** Any other code is answered 0.
 */
 #include <string>
 

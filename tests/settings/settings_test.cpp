@@ -14,6 +14,7 @@
 
 #include "hostapp/host_state.h"
 #include "platform/driver.h"
+#include "platform/resource_script.h"
 #include "shell/option_dialogs.h"
 #include "shell/praxa.h"
 #include "shell/settings.h"
@@ -484,6 +485,114 @@ TEST_F(Settings, RootLocusOptionsRefuseNegativeGainsAndBadEntries)
     for (const DialogView &v : views)
         refocused = refocused || (v.text.at(OPTION_START) == "-3" && v.focusOn(OPTION_START));
     EXPECT_TRUE(refocused);
+}
+
+/* ---- The three templates as the build embeds them ---- */
+
+const platform::DialogTemplate *templateNamed(const platform::ResourceScript &script, const char *name)
+{
+    for (const platform::DialogTemplate &d : script.dialogs)
+        if (d.name == name)
+            return &d;
+    return nullptr;
+}
+
+/* The control with this id, or for id -1 the one with this text; null when absent. */
+const platform::ControlTemplate *controlOf(const platform::DialogTemplate &d, int id, const std::string &text = "")
+{
+    for (const platform::ControlTemplate &c : d.controls)
+        if (c.id == id && (id != -1 || c.text == text))
+            return &c;
+    return nullptr;
+}
+
+enum : DWORD { PUSH = 0x0, DEFAULT_PUSH = 0x1, AUTO_CHECK = 0x3, GROUP_BOX = 0x7, AUTO_RADIO = 0x9 };
+
+/* A button of the given kind (low four style bits) with this id and text. */
+void expectButton(const platform::DialogTemplate &d, int id, const char *text, DWORD kind)
+{
+    SCOPED_TRACE(d.name + " control " + std::to_string(id) + " \"" + text + "\"");
+    const platform::ControlTemplate *c = controlOf(d, id, text);
+    ASSERT_NE(c, nullptr);
+    EXPECT_EQ(c->className, platform::BUTTON_CLASS);
+    EXPECT_EQ(c->text, text);
+    EXPECT_EQ(c->style & 0xF, kind);
+}
+
+void expectStatic(const platform::DialogTemplate &d, const char *text)
+{
+    const platform::ControlTemplate *c = controlOf(d, -1, text);
+    ASSERT_NE(c, nullptr) << d.name << " static \"" << text << "\"";
+    EXPECT_EQ(c->className, platform::STATIC_CLASS);
+}
+
+void expectEdit(const platform::DialogTemplate &d, int id)
+{
+    const platform::ControlTemplate *c = controlOf(d, id);
+    ASSERT_NE(c, nullptr) << d.name << " edit " << id;
+    EXPECT_EQ(c->className, platform::EDIT_CLASS);
+}
+
+TEST(SettingsTemplates, TitlesSizesFontsAndControls)
+{
+    std::string source = readFile(std::string(PRAXA_SOURCE_DIR) + "/resources/praxa.rc");
+    std::string header = readFile(std::string(PRAXA_SOURCE_DIR) + "/resources/prxdlg.h");
+    platform::ResourceScript script = platform::parseResourceScript(
+        "praxa.rc", source, [&](const std::string &name) { return name == "prxdlg.h" ? &header : nullptr; });
+    ASSERT_EQ(script.error, "");
+
+    const platform::DialogTemplate *options = templateNamed(script, "PRX_OPTIONS");
+    ASSERT_NE(options, nullptr);
+    EXPECT_EQ(options->cx, 114);
+    EXPECT_EQ(options->cy, 85);
+    EXPECT_EQ(options->fontFace, "Microsoft Sans Serif");
+    EXPECT_EQ(options->fontSize, 10);
+    for (const char *text : {"Start:", "End:", "Step Count:"})
+        expectStatic(*options, text);
+    for (int id : {102, 103, 104})
+        expectEdit(*options, id);
+    expectButton(*options, 1029, "Auto Range", AUTO_CHECK);
+    expectButton(*options, 1, "OK", DEFAULT_PUSH);
+    expectButton(*options, 2, "Cancel", PUSH);
+    expectButton(*options, 9, "Help", PUSH);
+
+    const platform::DialogTemplate *preferences = templateNamed(script, "PRX_PREFERENCES");
+    ASSERT_NE(preferences, nullptr);
+    EXPECT_EQ(preferences->caption, "Praxa Preferences");
+    EXPECT_EQ(preferences->cx, 140);
+    EXPECT_EQ(preferences->cy, 180);
+    EXPECT_EQ(preferences->fontFace, "Microsoft Sans Serif");
+    EXPECT_EQ(preferences->fontSize, 10);
+    for (const char *text : {"Digits of Display Precision:", "Numerator:", "Denominator:"})
+        expectStatic(*preferences, text);
+    for (int id : {203, 200, 201})
+        expectEdit(*preferences, id);
+    expectButton(*preferences, 1035, "Negative Frequencies in Nyquist Plot", AUTO_CHECK);
+    expectButton(*preferences, 701, "Frequency Units", GROUP_BOX);
+    expectButton(*preferences, 211, "Radians/Second", AUTO_RADIO);
+    expectButton(*preferences, 210, "Hertz", AUTO_RADIO);
+    expectButton(*preferences, 704, "Phase", GROUP_BOX);
+    expectButton(*preferences, 213, "Radians", AUTO_RADIO);
+    expectButton(*preferences, 212, "Degrees", AUTO_RADIO);
+    expectButton(*preferences, 707, "Magnitude", GROUP_BOX);
+    expectButton(*preferences, 216, "Log 10", AUTO_RADIO);
+    expectButton(*preferences, 215, "Decibels", AUTO_RADIO);
+    expectButton(*preferences, -1, "Zero Threshold", GROUP_BOX);
+    expectButton(*preferences, 1, "OK", DEFAULT_PUSH);
+    expectButton(*preferences, 2, "Cancel", PUSH);
+    expectButton(*preferences, 9, "Help", PUSH);
+
+    /* Its OK is an ordinary push button: Enter still gives IDOK, as in a dialog without a default. */
+    const platform::DialogTemplate *rootLocus = templateNamed(script, "ROOT_LOC_OPTIONS");
+    ASSERT_NE(rootLocus, nullptr);
+    EXPECT_EQ(rootLocus->caption, "Root Locus Options");
+    EXPECT_EQ(rootLocus->cx, 124);
+    EXPECT_EQ(rootLocus->cy, 78);
+    expectStatic(*rootLocus, "Step Count:");
+    expectEdit(*rootLocus, 104);
+    expectButton(*rootLocus, 1, "OK", PUSH);
+    expectButton(*rootLocus, 2, "Cancel", PUSH);
+    expectButton(*rootLocus, 9, "Help", PUSH);
 }
 
 }
