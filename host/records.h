@@ -154,6 +154,9 @@ static_assert(sizeof(PlotTrace) == 0x78);
 
 enum { PLOT_MAX_TRACES = 8 };
 
+/* The plot record's kind word of root locus plots. */
+enum : uint32_t { PLOT_KIND_ROOT_LOCUS = 75 };
+
 /* Flag bits of the plot record. */
 enum : uint8_t {
     PLOT_A_FIXED_SWEEP = 0x02, PLOT_A_PLUGIN = 0x04, PLOT_A_FREQUENCY = 0x20, PLOT_A_ROOT_LOCUS_CLEAR = 0x80,

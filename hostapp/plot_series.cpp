@@ -110,7 +110,7 @@ std::string recordText(const char *field, size_t size)
 
 PlotKind plotKindOf(const PlotRecord &record)
 {
-    if (record.plotKind == 75)
+    if (record.plotKind == PLOT_KIND_ROOT_LOCUS)
         return PlotKind::RootLocus;
     if (record.flagsD & PLOT_D_NYQUIST)
         return PlotKind::Nyquist;

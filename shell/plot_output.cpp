@@ -61,7 +61,7 @@ HostBlock *makeRootLocusPlot(int traceCount)
     allocOverPlotBuffers(block, traceCount);
     plot->lastTraceIndex = (uint8_t)(traceCount - 1);
     plot->flagsB |= 0x10;
-    plot->plotKind = TERVAN_REQ_PLOT_BUFFER;
+    plot->plotKind = PLOT_KIND_ROOT_LOCUS;
     plot->flagsA = (uint8_t)((plot->flagsA & 0x5D) | 0x22);
     ++rootLocusPlotCount;
     std::snprintf(plot->title, sizeof plot->title, "Root Locus-%d", rootLocusPlotCount);
