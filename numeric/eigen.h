@@ -15,7 +15,8 @@
 ** n < 1: nothing is written.  Slow convergence is reported with debMsg ("EigenSolver:
 ** over %d iterations and only %d roots") and the iteration goes on; if it still fails
 ** after 20 such restarts, or the matrix holds an infinite or NaN element, the roots not
-** found are NaN.  n beyond a's rows or columns: refused with a message, roots set to 0. */
+** found are NaN; no status is returned besides.  n beyond a's rows or columns: refused
+** with a message, roots set to 0. */
 void eigenValues(Complex *roots, const Matrix *a, int32_t n);
 /* The steps of eigenValues, on its work copy (1-based indices in the algorithms). */
 void balanceMatrix(Matrix *a, int32_t n);

@@ -36,8 +36,9 @@ extern "C" {
 **   - exponent notation has one digit before the point, the point itself ("1.e+010"),
 **     and an exponent with its sign and at least three digits ("1.5e-007").
 ** Choices of this stand-in: digits are rounded from the exact binary value, an exact
-** tie to even (as glibc's printf does; 25 at one digit is "2.e+001"); zero is "0." whatever its sign (a "-0." would leave a lone
-** "-" after the plug-in's clean-up); infinities are "inf" and "-inf", NaN is "nan".
+** tie to even (as glibc's printf does; 25 at one digit is "2.e+001"); zero is "0."
+** whatever its sign (a "-0." would leave a lone "-" after the plug-in's clean-up);
+** infinities are "inf" and "-inf", NaN is "nan".
 ** `digits` is clamped to 1..50, so the text never exceeds 58 bytes with terminator. */
 char *_gcvt(double value, int digits, char *buffer)
 {

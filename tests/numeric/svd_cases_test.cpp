@@ -4,6 +4,7 @@
 ** non-finite input.
 */
 #include <cmath>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -33,88 +34,61 @@ TEST_F(SvdCases, OneByOneSigns)
     }
 }
 
-TEST_F(SvdCases, SolveWithIdentity)
+TEST_F(SvdCases, SmallSolves)
 {
-    Matrix *a = fromRows(2, 2, {1, 0, 0, 1});
-    Matrix *b = fromRows(2, 1, {1, 2});
-    Matrix *x = fromRows(2, 1, {0, 0});
-    EXPECT_EQ(singularValueDecomp(a, b, x), 0);
-    EXPECT_DOUBLE_EQ(x->data[0], 1.0);
-    EXPECT_DOUBLE_EQ(x->data[1], 2.0);
-    EXPECT_EQ(hostapp::host().lastAllocationBytes, 8u * 3);       /* back-substitution work */
-    for (Matrix *m : {a, b, x})
-        gfree(m);
+    const struct {
+        uint32_t n;
+        std::vector<double> rows, b, x;
+        int32_t dropped;
+        bool inPlace;                   /* x is b */
+    } cases[] = {
+        {2, {1, 0, 0, 1}, {1, 2}, {1, 2}, 0, false},
+        /* below 1e-12 of the largest: dropped */
+        {2, {1, 0, 0, 1e-13}, {3, 4}, {3, 0}, 1, false},
+        /* every value 0, the threshold 0: nothing is below it */
+        {3, {0, 0, 0, 0, 0, 0, 0, 0, 0}, {1, 2, 3}, {0, 0, 0}, 0, false},
+        {2, {2, 1, 1, 3}, {3, 5}, {0.8, 1.4}, 0, true},
+    };
+    for (const auto &c : cases) {
+        Matrix *a = matDecl(c.n, c.n), *b = matDecl(c.n, 1), *x = matDecl(c.n, 1);
+        for (uint32_t i = 0; i < c.n; i++) {
+            for (uint32_t j = 0; j < c.n; j++)
+                el(a, i, j) = c.rows[i * c.n + j];
+            b->data[i] = c.b[i];
+            x->data[i] = 9.0;
+        }
+        Matrix *into = c.inPlace ? b : x;
+        EXPECT_EQ(singularValueDecomp(a, b, into), c.dropped) << "n=" << c.n;
+        EXPECT_EQ(hostapp::host().lastAllocationBytes, 8u * (c.n + 1));  /* back-substitution */
+        for (uint32_t i = 0; i < c.n; i++) {
+            if (c.x[i] == 0.0)
+                EXPECT_EQ(into->data[i], 0.0) << "n=" << c.n << " x" << i;
+            else
+                EXPECT_NEAR(into->data[i], c.x[i], 1e-14) << "n=" << c.n << " x" << i;
+        }
+        for (Matrix *m : {a, b, x})
+            gfree(m);
+    }
 }
 
-TEST_F(SvdCases, SolveDropsTinySingularValue)
+TEST_F(SvdCases, SingularDiagonalInvertsWhereItCan)
 {
-    Matrix *a = fromRows(2, 2, {1, 0, 0, 1e-13});
-    Matrix *b = fromRows(2, 1, {3, 4});
-    Matrix *x = fromRows(2, 1, {9, 9});
-    EXPECT_EQ(singularValueDecomp(a, b, x), 1);
-    EXPECT_DOUBLE_EQ(x->data[0], 3.0);
-    EXPECT_EQ(x->data[1], 0.0);
-    for (Matrix *m : {a, b, x})
-        gfree(m);
-}
-
-TEST_F(SvdCases, SolveInPlaceWhenXIsB)
-{
-    Matrix *a = fromRows(2, 2, {2, 1, 1, 3});
-    Matrix *b = fromRows(2, 1, {3, 5});
-    EXPECT_EQ(singularValueDecomp(a, b, b), 0);
-    EXPECT_NEAR(b->data[0], 0.8, 1e-14);
-    EXPECT_NEAR(b->data[1], 1.4, 1e-14);
-    gfree(a);
-    gfree(b);
-}
-
-TEST_F(SvdCases, PseudoInverseOfSingularDiagonal)
-{
-    Matrix *a = fromRows(2, 2, {2, 0, 0, 0});
-    EXPECT_EQ(singularValueDecomp(a, nullptr, nullptr), 1);
-    EXPECT_DOUBLE_EQ(el(a, 0, 0), 0.5);
-    EXPECT_EQ(el(a, 0, 1), 0.0);
-    EXPECT_EQ(el(a, 1, 0), 0.0);
-    EXPECT_EQ(el(a, 1, 1), 0.0);
+    /* diag(2, 0) becomes diag(0.5, 0): the pseudo-inverse drops (and counts) the value
+    ** below its threshold, the inverse the exactly zero one. */
+    Matrix *pinv = fromRows(2, 2, {2, 0, 0, 0});
+    EXPECT_EQ(singularValueDecomp(pinv, nullptr, nullptr), 1);
     EXPECT_EQ(hostapp::host().lastAllocationBytes, 24u + 8 * 4);  /* the product V a^T */
-    EXPECT_EQ(platform::transcript().size(), 0u);
-    gfree(a);
-}
-
-TEST_F(SvdCases, InvertDropsExactlySingularDirection)
-{
-    Matrix *a = fromRows(2, 2, {2, 0, 0, 0});
-    EXPECT_EQ(matInvert(a), 1);
-    EXPECT_DOUBLE_EQ(el(a, 0, 0), 0.5);
-    EXPECT_EQ(el(a, 0, 1), 0.0);
-    EXPECT_EQ(el(a, 1, 0), 0.0);
-    EXPECT_EQ(el(a, 1, 1), 0.0);
+    Matrix *inv = fromRows(2, 2, {2, 0, 0, 0});
+    EXPECT_EQ(matInvert(inv), 1);
     EXPECT_EQ(hostapp::host().lastAllocationBytes, 24u + 8 * 4);  /* transposed left factor */
-    gfree(a);
-}
-
-TEST_F(SvdCases, InvertTwoByTwo)
-{
-    Matrix *a = fromRows(2, 2, {4, 7, 2, 6});
-    ASSERT_EQ(matInvert(a), 1);
-    EXPECT_NEAR(el(a, 0, 0), 0.6, 1e-15);
-    EXPECT_NEAR(el(a, 0, 1), -0.7, 1e-15);
-    EXPECT_NEAR(el(a, 1, 0), -0.2, 1e-15);
-    EXPECT_NEAR(el(a, 1, 1), 0.4, 1e-15);
-    gfree(a);
-}
-
-TEST_F(SvdCases, ZeroMatrixDropsNothing)
-{
-    Matrix *a = fromRows(3, 3, {0, 0, 0, 0, 0, 0, 0, 0, 0});
-    Matrix *b = fromRows(3, 1, {1, 2, 3});
-    Matrix *x = fromRows(3, 1, {9, 9, 9});
-    EXPECT_EQ(singularValueDecomp(a, b, x), 0);
-    for (int k = 0; k < 3; k++)
-        EXPECT_EQ(x->data[k], 0.0);
-    for (Matrix *m : {a, b, x})
-        gfree(m);
+    for (Matrix *a : {pinv, inv}) {
+        EXPECT_DOUBLE_EQ(el(a, 0, 0), 0.5);
+        EXPECT_EQ(el(a, 0, 1), 0.0);
+        EXPECT_EQ(el(a, 1, 0), 0.0);
+        EXPECT_EQ(el(a, 1, 1), 0.0);
+        gfree(a);
+    }
+    EXPECT_EQ(platform::transcript().size(), 0u);
 }
 
 TEST_F(SvdCases, ShapesThatCannotWorkAreRefused)

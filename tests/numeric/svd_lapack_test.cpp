@@ -184,7 +184,8 @@ TEST_F(SvdAgainstLapack, PseudoInverseSolvesLeastSquares)
             a[(size_t)i * n + i] += 2.0 * std::sqrt((double)n);
         std::vector<double> lu = a, ref = b;
         std::vector<lapack_int> piv(n);
-        ASSERT_EQ(LAPACKE_dgesv(LAPACK_COL_MAJOR, n, 1, lu.data(), n, piv.data(), ref.data(), n), 0);
+        ASSERT_EQ(LAPACKE_dgesv(LAPACK_COL_MAJOR, n, 1, lu.data(), n, piv.data(), ref.data(), n),
+                  0);
         Matrix *am = toMatrix(a, n, n), *bm = toMatrix(b, n, 1), *xm = matDecl(n, 1);
         EXPECT_EQ(singularValueDecomp(am, bm, xm), 0);
         for (int i = 0; i < n; i++)

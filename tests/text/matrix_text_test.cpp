@@ -51,17 +51,10 @@ protected:
 
 }
 
-TEST_F(MatrixText, TwoByTwoOnScreenIsOneMessageBox)
+TEST_F(MatrixText, SmallShapesOnScreenAreOneMessageBoxEach)
 {
-    Matrix *m = fromRows(2, 2, {1, 2, 3, 4});
-    printMatrix("a = ", m);
-    ASSERT_EQ(messageBoxTexts().size(), 1u);
-    EXPECT_EQ(messageBoxTexts()[0], "a = [1 2 ;\n    3 4 ];\n");
-    gfree(m);
-}
-
-TEST_F(MatrixText, SmallShapes)
-{
+    Matrix *square = fromRows(2, 2, {1, 2, 3, 4});
+    printMatrix("a = ", square);
     Matrix *one = fromRows(1, 1, {5});
     printMatrix("a = ", one);
     printMatrix("a = ", nullptr);
@@ -77,14 +70,15 @@ TEST_F(MatrixText, SmallShapes)
     Matrix *column = fromRows(3, 1, {-0.5, 0, 1e10});
     printMatrix("b = ", column);
     std::vector<std::string> boxes = messageBoxTexts();
-    ASSERT_EQ(boxes.size(), 6u);
-    EXPECT_EQ(boxes[0], "a = [5 ];\n");
-    EXPECT_EQ(boxes[1], "a = [];\n");
-    EXPECT_EQ(boxes[2], "b = [1 2 3 ];\n");
-    EXPECT_EQ(boxes[3], "c = [];\n");
-    EXPECT_EQ(boxes[4], "d = [];\n");
-    EXPECT_EQ(boxes[5], "b = [-.5 ;\n    0 ;\n    1e+010 ];\n");
-    for (Matrix *m : {one, vector, noRows, emptyVector, column})
+    ASSERT_EQ(boxes.size(), 7u);
+    EXPECT_EQ(boxes[0], "a = [1 2 ;\n    3 4 ];\n");
+    EXPECT_EQ(boxes[1], "a = [5 ];\n");
+    EXPECT_EQ(boxes[2], "a = [];\n");
+    EXPECT_EQ(boxes[3], "b = [1 2 3 ];\n");
+    EXPECT_EQ(boxes[4], "c = [];\n");
+    EXPECT_EQ(boxes[5], "d = [];\n");
+    EXPECT_EQ(boxes[6], "b = [-.5 ;\n    0 ;\n    1e+010 ];\n");
+    for (Matrix *m : {square, one, vector, noRows, emptyVector, column})
         gfree(m);
 }
 
