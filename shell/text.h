@@ -17,7 +17,8 @@ const char *numberToText(double x);
 /* "(re,im)" of *z; a static buffer that the next call overwrites. */
 const char *complexToText(const Complex *z);
 /* Writes `name` and m (may be null) as one bracketed block: to the current output
-** file when linOutputChoice is not 208 (screen), else into one message box. */
+** file when linOutputChoice is not 208 (screen), else into one message box (a text
+** larger than the 4096-byte buffer goes into several, split at line ends). */
 void printMatrix(const char *name, const Matrix *m);
 
 /* The Linearize dialog's remembered output choice: 207 result file, 208 screen
