@@ -11,9 +11,10 @@
 
 enum { POLE_ZERO_HELP_TOPIC = 1185 };
 
+/* Outside timeToFrequency the root lists are gone (null): the list stays empty. */
 static void listRoots(HWND dialog, int listId, const Complex *roots, int32_t count)
 {
-    for (int32_t i = 0; i < count; i++)
+    for (int32_t i = 0; roots && i < count; i++)
         SendDlgItemMessageA(dialog, listId, LB_ADDSTRING, 0, (LPARAM)complexToText(&roots[i]));
 }
 

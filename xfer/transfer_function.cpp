@@ -23,6 +23,8 @@ static bool modelFits(const Matrix *A, const Matrix *B, const Matrix *C, const M
     return false;
 }
 
+/* Allocation results are not tested: the host's galloc reports a failure itself and
+** does not come back with a null block. */
 static double *newCoefficients(int32_t n)
 {
     return (double *)galloc(sizeof(double) * (size_t)(n + 2));

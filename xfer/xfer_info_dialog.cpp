@@ -48,9 +48,14 @@ static const char *xferRow(int32_t power)
     return rowText;
 }
 
+/* Coefficients are written in the host's own digits (floatToString), the gain at the
+** display precision.  Outside timeToFrequency the coefficient arrays are gone: the
+** dialog then shows the gain alone. */
 static void fillXferInfo(HWND dialog)
 {
     SetDlgItemTextA(dialog, IDC_XFERINFO_GAIN, numberToText(currentXfer.gain));
+    if (!currentXfer.numerator || !currentXfer.denominator)
+        return;
     for (int32_t power = 0; power <= currentXfer.poleCount; power++)
         SendDlgItemMessageA(dialog, IDC_XFERINFO_ROWS, LB_ADDSTRING, 0, (LPARAM)xferRow(power));
 }

@@ -60,6 +60,8 @@ int32_t reduceSysMatrix(Matrix *S, int32_t n, double tolerance)
         double last = elementAt(S, order, order);
         double alpha = last > 0.0 ? -sigma : sigma;
         u[order - 1] = last - alpha;
+        /* From the sum of squares itself, not sigma * sigma: the last bit decides whether a
+        ** cancelled feed-through comes out as exactly 0 or as a rounding residue. */
         double beta = 1.0 / (sumOfSquares - last * alpha);
         if (order > 1) {
             householderRight(S, order + 1, order, u, beta);

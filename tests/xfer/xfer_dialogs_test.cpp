@@ -1,7 +1,8 @@
 /*
 ** tests/xfer/xfer_dialogs_test.cpp: the Transfer Function and Zeros and Poles dialogs as
 ** timeToFrequency shows them: gain, coefficient rows and their padding, root lists in
-** the eigenvalue routine's order, help topics, and the templates themselves.
+** the eigenvalue routine's order, help topics, the templates themselves, and the PI loop
+** example through the command line.
 */
 #include <gtest/gtest.h>
 
@@ -141,6 +142,20 @@ TEST_F(XferDialogs, NumeratorTextsArePaddedTowardsThirteenCharacters)
     }
 }
 
+/* The PI speed loop of the examples: 100 (s + 2)/s times the motor 2/(s^2 + 12s + 20.02)
+** is 200 (s + 2)/(s (s^2 + 12s + 20.02)), poles 0 and -6 -+ sqrt(15.98). */
+TEST_F(XferDialogs, PiMotorLoopThroughTheCommandLine)
+{
+    testing_support::RunResult run = testing_support::runPraxa(
+        "--settings " + dir.file("tervan.ini") + " " + testing_support::examplePath("dc_motor_pi.json") + " tf");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_NE(run.out.find("  static 109 \"200\"\n"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("  listbox 107: \"(-2,0)\"\n"
+                           "  listbox 108: \"(0,0)\" | \"(-2.0025,0)\" | \"(-9.9975,0)\"\n"),
+              std::string::npos)
+        << run.out;
+}
+
 TEST_F(XferDialogs, OneRowPerStateAndOneMoreWhateverTheZeros)
 {
     /* (s + 4)/(s^3 + 6s^2 + 11s + 6): one zero, three poles, four rows */
@@ -156,34 +171,36 @@ TEST_F(XferDialogs, OneRowPerStateAndOneMoreWhateverTheZeros)
     EXPECT_EQ(listEntries("Zeros and Poles", IDC_POLEZERO_POLES).size(), 3u);
 }
 
-TEST_F(XferDialogs, RootsAreListedInTheEigenvalueRoutinesOrder)
-{
-    /* (s + 0.5)/(s^2 + 2s + 5): zero -0.5, poles -1 -+ 2i */
-    std::unique_ptr<Model> m(controllableForm({0.5, 1.0}, {5.0, 2.0}));
-    showInfo(*m);
-    EXPECT_EQ(listEntries("Zeros and Poles", IDC_POLEZERO_ZEROS), (std::vector<std::string>{"(-.5,0)"}));
-    EXPECT_EQ(listEntries("Zeros and Poles", IDC_POLEZERO_POLES),
-              (std::vector<std::string>{"(-1,-2)", "(-1,2)"}));
-}
-
 namespace {
 
+DLGPROC spiedProcedure;
+INT_PTR initResult;
 bool focusOnOkAfterInit;
 
-INT_PTR poleZeroSpy(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
+/* Runs spiedProcedure, noting what WM_INITDIALOG returned and where it left the focus. */
+INT_PTR initSpy(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    INT_PTR result = poleZeroDlg(dialog, message, wParam, lParam);
+    INT_PTR result = spiedProcedure(dialog, message, wParam, lParam);
     if (message == WM_INITDIALOG) {
+        initResult = result;
         focusOnOkAfterInit = GetFocus() == GetDlgItem(dialog, IDOK);
-        EXPECT_EQ(result, 0);
     }
     return result;
 }
 
 }
 
-TEST_F(XferDialogs, PoleZeroListsFollowTheRootListsUnsortedWithTheFocusOnOk)
+TEST_F(XferDialogs, RootsAreListedUnsortedInTheRootListsOrderWithTheFocusOnOk)
 {
+    /* 0.5 (s + 0.5)/(s^2 + 2s + 5): gain at the display precision, zero -0.5, and the
+    ** eigenvalue routine's pair -1 -+ 2i with the negative imaginary part first */
+    std::unique_ptr<Model> m(controllableForm({0.25, 0.5}, {5.0, 2.0}));
+    showInfo(*m);
+    EXPECT_EQ(controlLine(dialogLine("Transfer Function"), "static", IDC_XFERINFO_GAIN), "  static 109 \".5\"");
+    EXPECT_EQ(listEntries("Zeros and Poles", IDC_POLEZERO_ZEROS), (std::vector<std::string>{"(-.5,0)"}));
+    EXPECT_EQ(listEntries("Zeros and Poles", IDC_POLEZERO_POLES),
+              (std::vector<std::string>{"(-1,-2)", "(-1,2)"}));
+
     Complex zeros[] = {{3, 0}, {-0.5, 0}};
     Complex poles[] = {{0, 0}, {-1, -2}, {-1, 2}, {-7.25, 0}};
     currentXfer.zeros = zeros;
@@ -191,40 +208,54 @@ TEST_F(XferDialogs, PoleZeroListsFollowTheRootListsUnsortedWithTheFocusOnOk)
     currentXfer.zeroCount = 2;
     currentXfer.poleCount = 4;
     platform::clearTranscript();
+    spiedProcedure = poleZeroDlg;
     focusOnOkAfterInit = false;
-    EXPECT_EQ(runDialog("POLEZERO_BOX", poleZeroSpy), 1);
+    EXPECT_EQ(runDialog("POLEZERO_BOX", initSpy), 1);
     currentXfer.zeros = currentXfer.poles = nullptr;
+    EXPECT_EQ(initResult, 0);
     EXPECT_TRUE(focusOnOkAfterInit);
     EXPECT_EQ(listEntries("Zeros and Poles", IDC_POLEZERO_ZEROS), (std::vector<std::string>{"(3,0)", "(-.5,0)"}));
     EXPECT_EQ(listEntries("Zeros and Poles", IDC_POLEZERO_POLES),
               (std::vector<std::string>{"(0,0)", "(-1,-2)", "(-1,2)", "(-7.25,0)"}));
 }
 
-TEST_F(XferDialogs, HelpOpensEachDialogsTopicAndTheDialogStays)
+/* The dialog procedures are exported: opened after timeToFrequency has released the
+** lists, they show the gain and empty lists. */
+TEST_F(XferDialogs, OpenedOutsideTheComputationTheDialogsShowTheGainAlone)
 {
     Model m(1, {-1}, {1}, {2}, 0.0);
-    platform::queueDialogAction(DialogAction{"TRANSFERINFO_BOX", ActionKind::Click, 9, "", 0});
-    platform::queueDialogAction(DialogAction{"POLEZERO_BOX", ActionKind::Click, 9, "", 0});
+    timeToFrequency(m.A, m.B, m.C, m.D, nullptr, nullptr, nullptr, 0);
+    platform::clearTranscript();
+    spiedProcedure = xferInfoDlg;
+    initResult = -1;
+    EXPECT_EQ(runDialog("TRANSFERINFO_BOX", initSpy), 1);
+    EXPECT_EQ(initResult, 1);
+    EXPECT_EQ(runDialog("POLEZERO_BOX", poleZeroDlg), 1);
+    EXPECT_EQ(controlLine(dialogLine("Transfer Function"), "static", IDC_XFERINFO_GAIN), "  static 109 \"2\"");
+    EXPECT_TRUE(listEntries("Transfer Function", IDC_XFERINFO_ROWS).empty());
+    EXPECT_TRUE(listEntries("Zeros and Poles", IDC_POLEZERO_ZEROS).empty());
+    EXPECT_TRUE(listEntries("Zeros and Poles", IDC_POLEZERO_POLES).empty());
+}
+
+/* Help opens each dialog's topic and the dialog stays; Esc then ends it with Cancel and
+** the second dialog still follows. */
+TEST_F(XferDialogs, HelpOpensEachDialogsTopicAndEscapeEndsItWithCancel)
+{
+    Model m(1, {-1}, {1}, {2}, 0.0);
+    for (const char *name : {"TRANSFERINFO_BOX", "POLEZERO_BOX"}) {
+        platform::queueDialogAction(DialogAction{name, ActionKind::Click, 9, "", 0});
+        platform::queueDialogAction(DialogAction{name, ActionKind::Cancel, 0, "", 0});
+    }
     showInfo(m);
     int infoHelp = lineOf("[help] file 43528 topic 1180");
     int poleZeroHelp = lineOf("[help] file 43528 topic 1185");
     ASSERT_GE(infoHelp, 0) << platform::transcriptText();
     ASSERT_GE(poleZeroHelp, 0) << platform::transcriptText();
     EXPECT_GT(infoHelp, dialogLine("Transfer Function"));
-    EXPECT_LT(infoHelp, lineOf("[end] Transfer Function: 1"));
+    EXPECT_LT(infoHelp, lineOf("[end] Transfer Function: 2"));
     EXPECT_GT(poleZeroHelp, dialogLine("Zeros and Poles"));
-    EXPECT_LT(poleZeroHelp, lineOf("[end] Zeros and Poles: 1"));
+    EXPECT_LT(poleZeroHelp, lineOf("[end] Zeros and Poles: 2"));
     EXPECT_EQ(platform::pendingDialogActions(), 0u);
-}
-
-TEST_F(XferDialogs, EscapeEndsEitherDialogWithCancelAndTheSecondStillFollows)
-{
-    Model m(1, {-1}, {1}, {2}, 0.0);
-    platform::queueDialogAction(DialogAction{"TRANSFERINFO_BOX", ActionKind::Cancel, 0, "", 0});
-    platform::queueDialogAction(DialogAction{"POLEZERO_BOX", ActionKind::Cancel, 0, "", 0});
-    showInfo(m);
-    EXPECT_GE(lineOf("[end] Transfer Function: 2"), 0) << platform::transcriptText();
-    EXPECT_GE(lineOf("[end] Zeros and Poles: 2"), 0);
 }
 
 TEST_F(XferDialogs, NoDialogWithoutTheInfoFlag)

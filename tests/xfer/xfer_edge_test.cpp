@@ -1,7 +1,8 @@
 /*
 ** tests/xfer/xfer_edge_test.cpp: zeros, poles, gain and coefficients of hand-derived
 ** models: pure integrators, feed-through, first order, an uncancelled pole-zero pair
-** with a rounding residue, pole snapping, the gain's test points and its sign.
+** with a rounding residue, an output row that vanishes, pole snapping, the gain's test
+** points and its sign.
 */
 #include <gtest/gtest.h>
 
@@ -47,6 +48,15 @@ Result transferFunctionOf(Model &m)
     r.poles.resize(n);
     r.gain = xferGain(m.A, m.B, m.C, m.D, r.poles.data(), r.zeros.data(), r.zeroCount, n);
     return r;
+}
+
+/* The gain search's test point after `steps` additions of 0.01 to 0.0. */
+double testPointAfter(int steps)
+{
+    double s = 0.0;
+    for (int i = 0; i < steps; i++)
+        s += 0.01;
+    return s;
 }
 
 std::complex<double> polynomialAt(const std::vector<double> &ascending, int degree, std::complex<double> s)
@@ -130,19 +140,6 @@ TEST_F(XferEdge, FirstOrderModelHasNoZeros)
     EXPECT_EQ(r.denominator[1], 1.0);
 }
 
-TEST_F(XferEdge, ReductionKeepsTheZerosOfAStrictlyProperModel)
-{
-    /* (s + 4)/(s^2 + 3s + 2): one pass leaves feed-through c b = 1, one zero at -4. */
-    std::unique_ptr<Model> m(controllableForm({4.0, 1.0}, {2.0, 3.0}));
-    Result r = transferFunctionOf(*m);
-    ASSERT_EQ(r.zeroCount, 1);
-    EXPECT_NEAR(r.zeros[0].re, -4.0, 1e-12);
-    EXPECT_EQ(r.zeros[0].im, 0.0);
-    EXPECT_NEAR(r.numerator[0], 4.0, 1e-12);
-    EXPECT_EQ(r.numerator[1], 1.0);
-    EXPECT_NEAR(r.gain, 1.0, 1e-12);
-}
-
 TEST_F(XferEdge, CoincidingPoleAndZeroAreNotCancelledAndTheResidueMakesAHugeZero)
 {
     /* (s + 1)/((s + 1)(s + 2)(s + 3)) = (s + 1)/(s^3 + 6s^2 + 11s + 6) */
@@ -223,10 +220,24 @@ TEST_F(XferEdge, TestPointsAreAccumulatedSumsOfTheStep)
     k = xferGain(unit.A, unit.B, unit.C, unit.D, nullptr, &originZero, 1, 0);
     EXPECT_EQ(k, 1.0 / 0.10999999999999999);
 
-    /* an integrator: G = 1/s, K = s0 * (1/s0) */
-    Model integrator(1, {0}, {1}, {1}, 0.0);
-    Result r = transferFunctionOf(integrator);
-    EXPECT_NEAR(r.gain, 1.0, 1e-14);
+    /* s = 0 ends the search whatever the value: s/(s + 5) handed only its pole gives 0 */
+    Model differentiator(1, {-5}, {1}, {-5}, 1.0);
+    Complex pole{-5.0, 0.0};
+    EXPECT_EQ(xferGain(differentiator.A, differentiator.B, differentiator.C, differentiator.D, &pole, nullptr,
+                       0, 1), 0.0);
+
+    /* a/(s - 5) handed a pole at 0: K = s0 a/(s0 - 5) tells where the search ended.  A value
+    ** above 1e-9 ends it at the first evaluation; smaller ones let it run to the last try
+    ** and keep the largest, the first of equal ones. */
+    double first = testPointAfter(11), last = testPointAfter(99);
+    for (double a : {1e-6, 1e-12}) {
+        Model lag(1, {5}, {1}, {a}, 0.0);
+        double s0 = a > 1e-9 ? first : last;
+        EXPECT_NEAR(xferGain(lag.A, lag.B, lag.C, lag.D, &originPole, nullptr, 0, 1), s0 * a / (s0 - 5.0),
+                    1e-12 * a) << a;
+    }
+    Model flat(1, {-5}, {0}, {1}, 1e-12);
+    EXPECT_EQ(xferGain(flat.A, flat.B, flat.C, flat.D, &originPole, nullptr, 0, 1), first * 1e-12);
 }
 
 TEST_F(XferEdge, NoUsableTestPointGivesZeroGain)
@@ -238,12 +249,25 @@ TEST_F(XferEdge, NoUsableTestPointGivesZeroGain)
     Model m(7, a, std::vector<double>(7, 1.0), std::vector<double>(7, 1.0), 0.0);
     Result r = transferFunctionOf(m);
     EXPECT_EQ(r.gain, 0.0);
+
+    /* with s0 left at 0 a zero at the origin stays out of the factors: 0, not 0/0 */
+    Model unit(1, {-5}, {0}, {1}, 1.0);
+    std::vector<Complex> poles;
+    for (int i = 1; i < 7; i++)
+        poles.push_back(Complex{0.15 * i, 0.0});
+    Complex originZero{0.0, 0.0};
+    EXPECT_EQ(xferGain(unit.A, unit.B, unit.C, unit.D, poles.data(), &originZero, 1, 6), 0.0);
+
+    /* the hundredth try, s = 0.99, is the last: with only it clear K = prod |0.99 - p| */
+    poles = {{0, 0}, {0.15, 0}, {0.3, 0}, {0.45, 0}, {0.6, 0}, {0.75, 0}, {0.885, 0}};
+    double product = 1.0;
+    for (const Complex &p : poles)
+        product *= testPointAfter(99) - p.re;
+    EXPECT_NEAR(xferGain(unit.A, unit.B, unit.C, unit.D, poles.data(), nullptr, 0, 7), product, 1e-15);
 }
 
 TEST_F(XferEdge, GainCarriesTheSign)
 {
-    Model plus(1, {-1}, {1}, {2}, 0.0);
-    EXPECT_EQ(transferFunctionOf(plus).gain, 2.0);
     Model minus(1, {-1}, {1}, {-2}, 0.0);
     EXPECT_EQ(transferFunctionOf(minus).gain, -2.0);
     /* an unstable pole at 3 makes the angle at s0 = 0 180 degrees: 2/(s - 3) */
@@ -262,8 +286,9 @@ TEST_F(XferEdge, GainCarriesTheSign)
 TEST_F(XferEdge, GainSignFollowsTheAngleSumAtTheTestPoint)
 {
     Model unit(1, {-5}, {0}, {1}, 1.0);
-    auto gainFor = [&](std::vector<Complex> poles) {
-        return xferGain(unit.A, unit.B, unit.C, unit.D, poles.data(), nullptr, 0, (int32_t)poles.size());
+    auto gainFor = [&](std::vector<Complex> poles, std::vector<Complex> zeros = {}) {
+        return xferGain(unit.A, unit.B, unit.C, unit.D, poles.data(), zeros.data(), (int32_t)zeros.size(),
+                        (int32_t)poles.size());
     };
     auto degrees = [](double d) { return std::tan(d * std::numbers::pi / 180.0); };
     /* one pole at -1 - i tan(theta): angle -theta at s0 = 0 */
@@ -274,6 +299,12 @@ TEST_F(XferEdge, GainSignFollowsTheAngleSumAtTheTestPoint)
     EXPECT_LT(gainFor({{1, -degrees(10)}, {1, -degrees(10)}}), 0.0);
     /* -356 - 30 = -386 degrees, brought back to -26 */
     EXPECT_LT(gainFor({{1, -degrees(2)}, {1, -degrees(2)}, {-1, -degrees(30)}}), 0.0);
+    /* five times -178 or +178 degrees: -890 or +890, brought back to -170 or +170 */
+    std::vector<Complex> five(5, Complex{1, -degrees(2)});
+    EXPECT_LT(gainFor(five), 0.0);
+    EXPECT_LT(gainFor({}, five), 0.0);
+    /* a zero adds its angle and a pole subtracts it: at the same point they leave 0 */
+    EXPECT_EQ(gainFor({{-1, -degrees(20)}}, {{-1, -degrees(20)}}), 1.0);
     double k = gainFor({{-1, -1}});
     EXPECT_DOUBLE_EQ(k, -std::sqrt(2.0));
 }
@@ -312,6 +343,19 @@ TEST_F(XferEdge, ZeroOutputRowIsReportedAndGivesNoZeros)
     EXPECT_FALSE(transcriptHas("Zero C matrix"));
 }
 
+TEST_F(XferEdge, OutputRowVanishingInTheReductionKeepsTheZeroOfTheRest)
+{
+    /* A = diag(-1, -2), b = (1, 0), c = (0, 1), d = 0: G = 0.  One pass leaves the output
+    ** row of the first state empty with feed-through 0, taken as 1: the zero is -1. */
+    Model m(2, {-1, 0, 0, -2}, {1, 0}, {0, 1}, 0.0);
+    Result r = transferFunctionOf(m);
+    EXPECT_FALSE(transcriptHas("Zero C matrix"));
+    ASSERT_EQ(r.zeroCount, 1);
+    EXPECT_EQ(r.zeros[0].re, -1.0);
+    EXPECT_EQ(r.zeros[0].im, 0.0);
+    EXPECT_EQ(r.gain, 0.0);
+}
+
 /* A non-finite element is carried through (the numeric core reports its own trouble);
 ** every loop here is bounded by the model's order or the test point count. */
 TEST_F(XferEdge, NonFiniteModelsEndWithAResult)
@@ -347,9 +391,15 @@ TEST_F(XferEdge, PolynomialFromRoots)
     EXPECT_EQ(untouched[0], 9.0);
 }
 
-TEST_F(XferEdge, ExportedComputationHandsOverMonicArrays)
+TEST_F(XferEdge, StrictlyProperModelKeepsItsZeroAndIsHandedOverMonic)
 {
+    /* (s + 4)/(s^2 + 3s + 2): one pass leaves feed-through c b = 1, one zero at -4. */
     std::unique_ptr<Model> m(controllableForm({4.0, 1.0}, {2.0, 3.0}));
+    Result r = transferFunctionOf(*m);
+    ASSERT_EQ(r.zeroCount, 1);
+    EXPECT_NEAR(r.zeros[0].re, -4.0, 1e-12);
+    EXPECT_EQ(r.zeros[0].im, 0.0);
+
     double *numerator = nullptr, *denominator = nullptr, gain = 0.0;
     EXPECT_EQ(stateToXferFunc(m->A, m->B, m->C, m->D, &numerator, &denominator, &gain), 1);
     ASSERT_NE(numerator, nullptr);
@@ -361,6 +411,7 @@ TEST_F(XferEdge, ExportedComputationHandsOverMonicArrays)
     EXPECT_NEAR(denominator[0], 2.0, 1e-12);
     EXPECT_NEAR(denominator[1], 3.0, 1e-12);
     EXPECT_EQ(denominator[2], 1.0);
+    EXPECT_EQ(denominator[3], 0.0);
     EXPECT_NEAR(gain, 1.0, 1e-12);
     gfree(numerator);
     gfree(denominator);
