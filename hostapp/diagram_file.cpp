@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <set>
 #include <sstream>
@@ -342,6 +343,9 @@ void Loader::readBlocks(const json &list, const std::string &pointer, Block *par
         std::string id = fields["id"].get<std::string>();
         if (id.empty() || id.find_first_of("./") != std::string::npos)
             fail(at + "/id", ordinal + ": the id '" + id + "' must be a nonempty name without '.' or '/'");
+        /* Not echoed: a NUL would cut the message short. */
+        if (std::any_of(id.begin(), id.end(), [](char c) { return (unsigned char)c < 0x20 || c == 0x7F; }))
+            fail(at + "/id", ordinal + ": the id holds a control character");
         auto block = std::make_unique<Block>();
         block->id = id;
         block->path = parent ? parent->path + "/" + id : id;
@@ -785,6 +789,12 @@ bool loadDiagramText(const std::string &text, const std::string &name, std::stri
 
 bool loadDiagramFile(const std::string &path, std::string &error)
 {
+    /* A directory opens as a stream but reads as nothing. */
+    std::error_code ignored;
+    if (std::filesystem::is_directory(path, ignored)) {
+        error = "cannot read diagram " + path + ": " + std::strerror(EISDIR);
+        return false;
+    }
     std::ifstream in(path, std::ios::binary);
     if (!in) {
         error = "cannot read diagram " + path + ": " + std::strerror(errno);

@@ -73,6 +73,8 @@ TEST_F(DiagramFile, MissingAndUnknownParametersAreNamed)
               "bad.json:1: block #1: missing parameter 'id' (a text)");
     EXPECT_EQ(refusal(R"({"blocks": [{"id": "a.b", "type": "gain", "gain": 1}]})"),
               "bad.json:1: block #1: the id 'a.b' must be a nonempty name without '.' or '/'");
+    EXPECT_EQ(refusal(R"({"blocks": [{"id": "k\u0000x", "type": "gain", "gain": 1}]})"),
+              "bad.json:1: block #1: the id holds a control character");
 }
 
 TEST_F(DiagramFile, WiresToMissingPortsOrBlocksAreNamed)
@@ -183,6 +185,8 @@ TEST_F(DiagramFile, RefusedFileLeavesThePreviousDiagram)
     ASSERT_TRUE(hostapp::loadDiagramFile(std::string(PRAXA_SOURCE_DIR) + "/examples/servo.json", error)) << error;
     EXPECT_FALSE(hostapp::loadDiagramFile("/nonexistent/diagram.json", error));
     EXPECT_EQ(error, "cannot read diagram /nonexistent/diagram.json: No such file or directory");
+    EXPECT_FALSE(hostapp::loadDiagramFile(std::string(PRAXA_SOURCE_DIR) + "/examples", error));
+    EXPECT_EQ(error, "cannot read diagram " + std::string(PRAXA_SOURCE_DIR) + "/examples: Is a directory");
     EXPECT_NE(hostapp::diagramBlock("motor"), nullptr);
     refusal("{");
     EXPECT_NE(hostapp::diagramBlock("motor"), nullptr);
