@@ -3,6 +3,7 @@
 ** name, kind code, direct feedthrough, output and state update, and the state-space
 ** realization of transfer functions.
 */
+#include <algorithm>
 #include <cmath>
 
 #include "hostapp/engine.h"
@@ -236,6 +237,12 @@ bool realizeTransferFunction(std::vector<double> num, std::vector<double> den, L
         sys.b[0] = 1.0;
     for (size_t i = 0; i < n; ++i)
         sys.c[i] = b[i + 1] - a[i + 1] * b[0];
+    auto finite = [](double x) { return std::isfinite(x); };
+    if (!std::all_of(a.begin(), a.end(), finite) || !std::all_of(b.begin(), b.end(), finite) ||
+        !std::all_of(sys.c.begin(), sys.c.end(), finite)) {
+        error = "the coefficients overflow when divided by the denominator's leading one";
+        return false;
+    }
     return true;
 }
 

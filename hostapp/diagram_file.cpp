@@ -8,7 +8,9 @@
 #include <cerrno>
 #include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
+#include <set>
 #include <sstream>
 
 #include <nlohmann/json.hpp>
@@ -23,8 +25,14 @@ namespace {
 
 using nlohmann::json;
 
+/* How deep lists and objects may nest in a diagram file: room for the deepest compound
+** blocks, and a bound on the index below, whose pointers grow with the depth. */
+const size_t MAX_JSON_DEPTH = 100;
+
 /* The line of every value of a JSON text, by JSON pointer ("/blocks/2/den").  The text
-** is one that parsed, so a plain scan suffices; keys are taken unescaped. */
+** is one that parsed, so a plain scan suffices; keys are taken unescaped.  Throws
+** DiagramError for nesting deeper than MAX_JSON_DEPTH and for a key given twice in one
+** object (the parser would silently keep the last). */
 class LineIndex {
 public:
     explicit LineIndex(const std::string &text);
@@ -43,6 +51,7 @@ LineIndex::LineIndex(const std::string &text)
         size_t index;
         std::string key;
         std::string pointer;
+        std::set<std::string> keys;
     };
     std::vector<Frame> stack;
     int line = 1;
@@ -73,6 +82,8 @@ LineIndex::LineIndex(const std::string &text)
                 chars += text[i];
             }
             if (!stack.empty() && stack.back().object && stack.back().expectKey) {
+                if (!stack.back().keys.insert(chars).second)
+                    throw DiagramError{line, "'" + chars + "' is given twice in one object"};
                 stack.back().key = chars;
                 stack.back().expectKey = false;
             } else {
@@ -81,11 +92,15 @@ LineIndex::LineIndex(const std::string &text)
         } else {
             std::string pointer = valuePointer();
             lines_.emplace(pointer, line);
-            if (c == '{' || c == '[')
-                stack.push_back({c == '{', c == '{', 0, "", pointer});
-            else
+            if (c == '{' || c == '[') {
+                if (stack.size() >= MAX_JSON_DEPTH)
+                    throw DiagramError{line, "lists and objects nest more than " + std::to_string(MAX_JSON_DEPTH) +
+                                                 " deep"};
+                stack.push_back({c == '{', c == '{', 0, "", pointer, {}});
+            } else {
                 while (i + 1 < text.size() && !std::strchr(",}] \t\r\n", text[i + 1]))
                     ++i;
+            }
         }
     }
 }
@@ -115,6 +130,11 @@ const std::pair<const char *, uint8_t> dataTypes[] = {
 /* Limits that keep a hostile file from exhausting memory or the stack. */
 const int MAX_PORTS = 64;
 const int MAX_BLOCK_STATES = 1000;
+/* The whole diagram too: every linearization differentiates in each state and runs the
+** selected blocks for each, so the work grows with the square of the states. */
+const size_t MAX_DIAGRAM_STATES = 1000;
+/* Blocks, nested ones included: each costs a few kilobytes and a share of every evaluation. */
+const size_t MAX_DIAGRAM_BLOCKS = 100000;
 const int MAX_NESTING = 32;
 
 bool isContinuousStateType(BlockType type)
@@ -152,6 +172,11 @@ private:
     Diagram &diagram_;
     double defaultSamplePeriod_ = 0.0;
     int continuousStateBlocks_ = 0;
+    size_t diagramStates_ = 0;
+    size_t diagramBlocks_ = 0;
+    /* The blocks of each scope (the top level, or a compound's children) by id, so that
+    ** wires and ids are checked in constant time however many blocks there are. */
+    std::unordered_map<const void *, std::unordered_map<std::string, Block *>> scopeIds_;
 
     [[noreturn]] void fail(const std::string &pointer, const std::string &message) const
     {
@@ -184,6 +209,7 @@ private:
     void resolveSignals();
     void readSelection(const json &root);
     Point *readReference(const json &root, const char *key);
+    void refuseValuesNotFinite() const;
 };
 
 double Loader::number(const json &fields, const char *key, const std::string &pointer, const std::string &what) const
@@ -275,6 +301,24 @@ void Loader::load(const json &root)
                 diagram_.pointOf[&point->record] = point.get();
     });
     executeBlocks(diagram_.evaluationOrder, diagram_.time);
+    refuseValuesNotFinite();
+}
+
+/* A value that is not finite at the operating point would spoil every model of the
+** diagram; the first block in evaluation order that computes one is the one at fault. */
+void Loader::refuseValuesNotFinite() const
+{
+    auto refuse = [](const Block &block, const char *what, double value) {
+        throw DiagramError{block.line, "block '" + block.path + "': its " + what + " is " +
+                                           (std::isnan(value) ? "NaN" : "infinite") + " at time 0"};
+    };
+    for (const Block *block : diagram_.evaluationOrder)
+        if (block->output && !std::isfinite(*block->output->slot()))
+            refuse(*block, "output", *block->output->slot());
+    for (const Block *block : diagram_.evaluationOrder)
+        for (double next : block->next)
+            if (!std::isfinite(next))
+                refuse(*block, isDiscreteType(block->type) ? "next state" : "derivative", next);
 }
 
 void Loader::readBlocks(const json &list, const std::string &pointer, Block *parent,
@@ -299,14 +343,19 @@ void Loader::readBlocks(const json &list, const std::string &pointer, Block *par
         std::string id = fields["id"].get<std::string>();
         if (id.empty() || id.find_first_of("./") != std::string::npos)
             fail(at + "/id", ordinal + ": the id '" + id + "' must be a nonempty name without '.' or '/'");
+        /* Not echoed: a NUL would cut the message short. */
+        if (std::any_of(id.begin(), id.end(), [](char c) { return (unsigned char)c < 0x20 || c == 0x7F; }))
+            fail(at + "/id", ordinal + ": the id holds a control character");
         auto block = std::make_unique<Block>();
         block->id = id;
         block->path = parent ? parent->path + "/" + id : id;
         block->parent = parent;
         block->line = lines_.lineOf(at);
-        for (const auto &other : blocks)
-            if (other->id == id)
-                fail(at + "/id", "block '" + block->path + "': the id is used twice");
+        if (!scopeIds_[&blocks].emplace(id, block.get()).second)
+            fail(at + "/id", "block '" + block->path + "': the id is used twice");
+        if (++diagramBlocks_ > MAX_DIAGRAM_BLOCKS)
+            fail(at, "block '" + block->path + "': the diagram holds more than the " +
+                         std::to_string(MAX_DIAGRAM_BLOCKS) + " blocks it may hold");
         if (!fields.contains("type") || !fields["type"].is_string())
             fail(at, "block '" + block->path + "': missing parameter 'type' (a text)");
         std::string type = fields["type"].get<std::string>();
@@ -406,6 +455,11 @@ void Loader::readParameters(Block &block, const json &fields, const std::string 
     }
 
     size_t stateCount = block.type == BlockType::UnitDelay ? 1 : (size_t)block.linear.n;
+    diagramStates_ += stateCount;
+    if (diagramStates_ > MAX_DIAGRAM_STATES)
+        fail(pointer, what + ": the diagram's states come to " + std::to_string(diagramStates_) +
+                          " with this block, more than the " + std::to_string(MAX_DIAGRAM_STATES) +
+                          " a diagram may hold");
     block.state.assign(stateCount, 0.0);
     block.next.assign(stateCount, 0.0);
     if (isContinuousStateType(block.type) || isDiscreteType(block.type)) {
@@ -563,9 +617,12 @@ Point *Loader::scopePoint(std::vector<std::unique_ptr<Block>> &scope, const std:
 {
     size_t dot = text.rfind('.');
     std::string id = text.substr(0, dot);
-    for (const auto &block : scope)
-        if (block->id == id)
-            return portOf(*block, dot == std::string::npos ? "" : text.substr(dot + 1), defaultIsInput, error);
+    auto ids = scopeIds_.find(&scope);
+    if (ids != scopeIds_.end()) {
+        auto found = ids->second.find(id);
+        if (found != ids->second.end())
+            return portOf(*found->second, dot == std::string::npos ? "" : text.substr(dot + 1), defaultIsInput, error);
+    }
     error = "no block '" + id + "'";
     if (!scope.empty() && scope.front()->parent)
         error += " in '" + scope.front()->parent->path + "'";
@@ -630,8 +687,10 @@ void Loader::resolveSignals()
                 throw DiagramError{outermost->block->line, "input '" + outermost->name() + "' is not connected"};
             }
             if (point->signal && block.isLeaf()) {
+                /* A block's inputs come one after another, so a block reading a signal
+                ** twice would be its last reader. */
                 auto &readers = point->signal->readers;
-                if (std::find(readers.begin(), readers.end(), &block) == readers.end())
+                if (readers.empty() || readers.back() != &block)
                     readers.push_back(&block);
             }
         }
@@ -696,6 +755,21 @@ bool loadDiagramText(const std::string &text, const std::string &name, std::stri
         int line = lineOfByte(text, e.byte ? e.byte - 1 : 0);
         error = name + ":" + std::to_string(line) + ": not valid JSON: " + detail;
         return false;
+    } catch (const json::out_of_range &e) {
+        /* A number beyond the range of a double: the parser names it but gives no place. */
+        std::string detail = e.what();
+        size_t open = detail.find('\''), close = detail.rfind('\'');
+        if (open == std::string::npos || open + 1 >= close) {
+            error = name + ": not valid JSON: " + detail;
+            return false;
+        }
+        std::string number = detail.substr(open + 1, close - open - 1);
+        size_t at = text.find(number);
+        if (number.size() > 24)
+            number = number.substr(0, 20) + "...";
+        error = name + (at == std::string::npos ? "" : ":" + std::to_string(lineOfByte(text, at))) +
+                ": the number " + number + " is beyond the range of a double";
+        return false;
     } catch (const json::exception &e) {
         error = name + ": not valid JSON: " + e.what();
         return false;
@@ -715,6 +789,12 @@ bool loadDiagramText(const std::string &text, const std::string &name, std::stri
 
 bool loadDiagramFile(const std::string &path, std::string &error)
 {
+    /* A directory opens as a stream but reads as nothing. */
+    std::error_code ignored;
+    if (std::filesystem::is_directory(path, ignored)) {
+        error = "cannot read diagram " + path + ": " + std::strerror(EISDIR);
+        return false;
+    }
     std::ifstream in(path, std::ios::binary);
     if (!in) {
         error = "cannot read diagram " + path + ": " + std::strerror(errno);

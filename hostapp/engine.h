@@ -141,7 +141,8 @@ bool hasFeedthrough(const Block &block);    /* does an output depend on an input
 void evaluateOutput(Block &block, double time);
 void evaluateNext(Block &block);            /* derivatives or next states */
 /* num and den in descending powers (as MATLAB); false with a reason when den's leading
-** coefficient is 0 or num's degree exceeds den's. */
+** coefficient is 0, num's degree exceeds den's, or dividing by den's leading coefficient
+** overflows. */
 bool realizeTransferFunction(std::vector<double> num, std::vector<double> den, LinearSystem &sys,
                              std::string &error);
 

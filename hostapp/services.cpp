@@ -147,6 +147,8 @@ int fileOpen(const char *name, int flags)
     return 1;
 }
 
+/* The text goes out unchanged: a line feed stays a single line feed, as text files on
+** this system end their lines. */
 void farFilePrint(const char *text)
 {
     if (currentOutput && text)

@@ -16,6 +16,7 @@ static Matrix *plusSample;      /* derivative entries with the input raised (vec
 static Matrix *minusSample;     /* the same with the input lowered */
 static Matrix *extraQuotients;  /* M by 1: quotients of the last M derivative entries */
 static double perturbation = 0.05;
+/* Only the code is ours to set; the rest of the record stays zero. */
 static SimStepRequest stepRequest = {SIM_REQUEST_STEP, {}};
 
 /* Reshapes m (null: allocates) to rows x cols (cols 0: a vector) from the host heap. */
@@ -144,6 +145,10 @@ int linearize(double *periodOut)
     extraQuotients = reshape(extraQuotients, extraCount, 1);
     stateSpaceModel.C = reshape(stateSpaceModel.C, 1, n);
     stateSpaceModel.D = reshape(stateSpaceModel.D, 1, 1);
+    /* Without states C is 1 by 0, which reads as a vector of one element that nobody
+    ** fills: it is 0, not what the heap held. */
+    if (n == 0)
+        stateSpaceModel.C->data[0] = 0.0;
 
     double u0 = *u;
     double yPlus = sampleAt(u, u0 + perturbation, plusSample, y);

@@ -5,6 +5,7 @@
 #include "fixture.h"
 
 #include "hostapp/host_state.h"
+#include "platform/resource_script.h"
 #include "resources/prxdlg.h"
 #include "shell/praxa.h"
 #include "shell/text.h"
@@ -77,6 +78,17 @@ TEST_F(LinearizeDialog, NameWithoutDotIsWrittenWholeAndAnEmptyNameBeeps)
     EXPECT_NE(written.find("\nd = [0 ];\n"), std::string::npos) << written;
 }
 
+TEST_F(LinearizeDialog, ResultFileNameKeepsAtMost31Characters)
+{
+    loadExample("servo.json");
+    act(platform::ActionKind::Click, IDC_LIN_TO_FILE);
+    act(platform::ActionKind::Type, IDC_LIN_RESULT_FILE, "abcdefghijklmnopqrstuvwxyz0123456789.m");
+    EXPECT_EQ(praxaCmd(CMD_LINEARIZE), 1);
+    std::string written = testing_support::readFile(dir.file("abcdefghijklmnopqrstuvwxyz01234"));
+    EXPECT_EQ(written.substr(0, written.find('\n') + 1), "function [a,b,c,d] = abcdefghijklmnopqrstuvwxyz01234\n")
+        << transcript();
+}
+
 TEST_F(LinearizeDialog, ScreenDisplayShowsFourMessageBoxes)
 {
     loadExample("servo.json");
@@ -136,6 +148,55 @@ TEST_F(LinearizeDialog, FailedLinearizationStillOpensTheDialog)
     size_t message = shown.find("[Tervan] No blocks with state in selection");
     ASSERT_NE(message, std::string::npos) << shown;
     EXPECT_NE(shown.find("System Linearization", message), std::string::npos) << shown;
+}
+
+TEST(LinearizeTemplate, TitleSizeFontControlsAndStyles)
+{
+    std::string source = testing_support::readFile(std::string(PRAXA_SOURCE_DIR) + "/resources/praxa.rc");
+    std::string header = testing_support::readFile(std::string(PRAXA_SOURCE_DIR) + "/resources/prxdlg.h");
+    platform::ResourceScript script = platform::parseResourceScript(
+        "praxa.rc", source, [&](const std::string &name) { return name == "prxdlg.h" ? &header : nullptr; });
+    ASSERT_EQ(script.error, "");
+    const platform::DialogTemplate *dialog = nullptr;
+    for (const platform::DialogTemplate &d : script.dialogs)
+        if (d.name == "LINEARIZE")
+            dialog = &d;
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_EQ(dialog->caption, "System Linearization");
+    EXPECT_EQ((std::vector<int>{dialog->x, dialog->y, dialog->cx, dialog->cy}), (std::vector<int>{37, 18, 159, 120}));
+    EXPECT_EQ(dialog->fontFace, "Microsoft Sans Serif");
+    EXPECT_EQ(dialog->fontSize, 10);
+
+    auto symbol = [](const char *name) { return (DWORD)platform::predefinedSymbol(name).value(); };
+    struct Expected {
+        int id;
+        const char *className;
+        const char *text;
+        DWORD type;             /* low four style bits of a button; 0 for the others */
+    };
+    const Expected expected[] = {
+        {147, "Static", "Result File:", 0},
+        {101, "Edit", "", 0},
+        {234, "Button", "Select Input/Output Points", symbol("BS_PUSHBUTTON")},
+        {-1, "Button", "Output Selection", symbol("BS_GROUPBOX")},
+        {207, "Button", "Linearize to .m File", symbol("BS_RADIOBUTTON")},
+        {208, "Button", "Linearize to Screen Display", symbol("BS_RADIOBUTTON")},
+        {1, "Button", "OK", symbol("BS_DEFPUSHBUTTON")},
+        {2, "Button", "Cancel", symbol("BS_PUSHBUTTON")},
+        {9, "Button", "Help", symbol("BS_PUSHBUTTON")},
+    };
+    ASSERT_EQ(dialog->controls.size(), std::size(expected));
+    for (size_t i = 0; i < std::size(expected); ++i) {
+        const platform::ControlTemplate &control = dialog->controls[i];
+        SCOPED_TRACE(expected[i].text);
+        EXPECT_EQ(control.id, expected[i].id);
+        EXPECT_EQ(control.className, expected[i].className);
+        EXPECT_EQ(control.text, expected[i].text);
+        if (control.className == std::string("Button")) {
+            EXPECT_EQ(control.style & 0xF, expected[i].type);
+        }
+    }
+    EXPECT_EQ(dialog->controls[1].style & symbol("ES_AUTOHSCROLL"), symbol("ES_AUTOHSCROLL"));
 }
 
 }

@@ -103,6 +103,9 @@ TEST_F(Linearizer, DirectFeedthroughAndAModelWithoutStates)
     expectMatrix(stateSpaceModel.A, 0, 0, {});
     expectMatrix(stateSpaceModel.C, 1, 0, {});
     expectMatrix(stateSpaceModel.D, 1, 1, {1.5});
+    /* 1 by 0 reads as a vector of one element, which the result file shows: 0, not the
+    ** previous model's 1. */
+    EXPECT_EQ(stateSpaceModel.C->data[0], 0.0);
 }
 
 TEST_F(Linearizer, InputIsRaisedLoweredAndRestoredAndTheDiagramIsLeftAsItWas)

@@ -1,0 +1,42 @@
+/*
+** bench/diagram_bench.cpp: loading diagram files of many blocks and wires, whose time
+** should grow in proportion to the size of the file.
+*/
+#include <string>
+
+#include <benchmark/benchmark.h>
+
+#include "hostapp/diagram.h"
+
+namespace {
+
+/* A constant feeding a chain of n gains, each wired to the next. */
+std::string chainOfGains(int64_t n)
+{
+    std::string blocks = R"({"id": "src", "type": "constant", "value": 1})";
+    std::string wires = R"(["src", "g0"])";
+    for (int64_t i = 0; i < n; ++i) {
+        blocks += R"(, {"id": "g)" + std::to_string(i) + R"(", "type": "gain", "gain": 1})";
+        if (i > 0)
+            wires += R"(, ["g)" + std::to_string(i - 1) + R"(", "g)" + std::to_string(i) + R"("])";
+    }
+    return R"({"blocks": [)" + blocks + R"(], "wires": [)" + wires + "]}";
+}
+
+void loadChainOfGains(benchmark::State &state)
+{
+    std::string text = chainOfGains(state.range(0));
+    for (auto _ : state) {
+        std::string error;
+        if (!hostapp::loadDiagramText(text, "chain.json", error))
+            state.SkipWithError(error.c_str());
+    }
+    hostapp::clearDiagram();
+    state.SetComplexityN(state.range(0));
+}
+BENCHMARK(loadChainOfGains)->RangeMultiplier(4)->Range(1 << 10, 1 << 16)->Unit(benchmark::kMillisecond)
+    ->Complexity(benchmark::oN);
+
+}
+
+BENCHMARK_MAIN();
