@@ -20,7 +20,7 @@ const std::vector<CommandSpec> &commandTable()
         {"tf", 243, true, "transfer function, zeros and poles"},
         {"compensator", 249, false, "compensator design"},
         {"select-compensator", 254, true, "select the compensator block (host)"},
-        {"rlocus", 240, false, "root locus plot"},
+        {"rlocus", 240, true, "root locus plot"},
         {"rlocus-options", 241, true, "root locus gain range; [--start K --stop K --steps N --auto|--no-auto]"},
         {"nyquist", 250, false, "Nyquist plot"},
         {"bode", 242, false, "Bode magnitude and phase plots"},

@@ -8,6 +8,7 @@
 
 #include "host/host.h"
 #include "linearize/linearize.h"
+#include "rlocus/rlocus.h"
 #include "shell/option_dialogs.h"
 #include "shell/plot_output.h"
 #include "shell/praxa.h"
@@ -75,9 +76,10 @@ static void rootLocusCommand()
     double *denominator = nullptr;
     timeToFrequency(stateSpaceModel.A, stateSpaceModel.B, stateSpaceModel.C, stateSpaceModel.D,
                     &numerator, &denominator, nullptr, 0);
-    /* The gain sweep fills the plot and returns its extreme coordinate; it is not in this
-    ** build yet, so the plot stays empty and keeps the bounds the host gives it. */
+    PlotRecord *plot = plotRecordOf(rootLocusPlot);
+    double radius = rootLocus(plot, numerator, denominator, n);
     finishPlot(rootLocusPlot, 0, 0, 0);
+    clampPlotToRadius(plot, radius);
     invalidateWin(rootLocusPlot->window);
     gfree(numerator);
     gfree(denominator);

@@ -1,0 +1,114 @@
+/*
+** rlocus/gain_range.cpp: the polynomial root finder (companion matrix) and the automatic
+** gain range of the root locus: the box size S and the top gain Kauto at which the
+** branches bound for infinity have left the box and the zeros are reached.
+*/
+#include <cmath>
+
+#include "freq/pole_zero.h"
+#include "numeric/eigen.h"
+#include "rlocus/locus_state.h"
+
+int32_t polyRoots(Complex *roots, const double *c, int32_t n, Matrix *W)
+{
+    int32_t d = n;
+    while (d >= 0 && c[d] == 0.0)       /* exact test: a NaN coefficient counts as present */
+        --d;
+    if (d < 1)
+        return d;
+    uint32_t stride = W->rows;
+    for (int32_t j = 0; j < d; ++j)
+        for (int32_t i = 0; i < d; ++i)
+            W->data[(size_t)j * stride + (size_t)i] = (j == i + 1) ? 1.0 : 0.0;
+    for (int32_t j = 0; j < d; ++j)
+        W->data[(size_t)j * stride + (size_t)(d - 1)] = -c[j] / c[d];
+    eigenValues(roots, W, d);
+    return d;
+}
+
+int32_t countRootsOutside(const Complex *roots, double S, int32_t count)
+{
+    int32_t outside = 0;
+    for (int32_t i = 0; i < count; ++i)
+        if (std::fabs(roots[i].re) > S || std::fabs(roots[i].im) > S)
+            ++outside;
+    return outside;
+}
+
+static bool insideBox(Complex r, double S)
+{
+    return std::fabs(r.re) < S && std::fabs(r.im) < S;
+}
+
+bool zerosReached(const Complex *zeros, int32_t nZ, int32_t n, double S)
+{
+    const Complex *roots = rootLocusState.autoRoots;
+    for (int32_t k = 0; k < nZ; ++k) {
+        bool reached = false;
+        for (int32_t i = 0; i < n && !reached; ++i) {
+            double distance = std::hypot(roots[i].re - zeros[k].re, roots[i].im - zeros[k].im);
+            reached = insideBox(roots[i], S) && distance < S / 100.0 && distance < 0.1;
+        }
+        if (!reached)
+            return false;
+    }
+    return true;
+}
+
+/* autoRoots = the n roots of autoDenominator + K g autoNumerator. */
+static void autoRootsAt(double K, int32_t n)
+{
+    RootLocusState &st = rootLocusState;
+    for (int32_t k = 0; k <= n; ++k)
+        st.autoClosedLoop[k] = st.autoDenominator[k] + K * st.gain * st.autoNumerator[k];
+    polyRoots(st.autoRoots, st.autoClosedLoop, n, st.autoCompanion);
+}
+
+static bool rangeReached(const Complex *zeros, int32_t nP, int32_t nZ, double S, int32_t n)
+{
+    return countRootsOutside(rootLocusState.autoRoots, S, n) == nP - nZ && zerosReached(zeros, nZ, n, S);
+}
+
+void rootLocusAutoGain(const Complex *poles, const Complex *zeros, int32_t nP, int32_t nZ, double *S,
+                       double *Kauto, int32_t n)
+{
+    double box = 2.0 * maxRootMagnitude(poles, zeros, nP, nZ);
+    if (!(box >= 2.0))                  /* also a NaN root: the box keeps its least size */
+        box = 2.0;
+    *S = box;
+
+    /* Doubling from 10: 11 passes at most, giving up at 20480. */
+    double K = 10.0, Klo = 0.0;
+    bool matched = false, found = false;
+    for (int pass = 1; pass <= 11; ++pass) {
+        autoRootsAt(K, n);
+        if (matched || countRootsOutside(rootLocusState.autoRoots, box, n) == nP - nZ) {
+            if (zerosReached(zeros, nZ, n, box)) {
+                found = true;
+                break;
+            }
+            matched = true;
+        }
+        Klo = K;
+        K = 2.0 * K;
+    }
+    *Kauto = K;
+    if (!found)
+        return;
+
+    /* Bisection between the last gain that failed and the one that passed. */
+    double Khi = K;
+    double width = K - Klo;
+    for (int pass = 1; pass <= 10; ++pass) {
+        double Kmid = (Klo + Khi) / 2.0;
+        autoRootsAt(Kmid, n);
+        if (rangeReached(zeros, nP, nZ, box, n))
+            Khi = Kmid;
+        else
+            Klo = Kmid;
+        if (Khi - Klo < 1.0 || Khi - Klo < width / 100.0) {
+            *Kauto = Khi;
+            return;
+        }
+    }
+}

@@ -1,0 +1,200 @@
+/*
+** The gain sweep: manual gains, branch tracking on K/(s(s+1)(s+2)) against LAPACK, the
+** imaginary-axis crossing, the tie rule, the signed extreme, and refused or unusable input.
+*/
+#include "locus_fixture.h"
+
+using namespace locustest;
+
+namespace {
+
+class Sweep : public LocusTest {};
+
+TEST_F(Sweep, ManualRangeStepsLinearlyAndLandsOnTheStopGain)
+{
+    useLoop({1}, {0, 2, 3});
+    run();
+    std::vector<double> expected;
+    for (int i = 0; i < 49; ++i)
+        expected.push_back(2.0 * i);
+    expected.push_back(100.0);
+    EXPECT_EQ(gains(), expected);
+    EXPECT_EQ(plot->paramInfo->poleCount, 3);
+    EXPECT_EQ(plot->paramInfo->zeroCount, 0);
+    EXPECT_EQ(plot->paramInfo->zeroBranches, nullptr) << "manual mode assigns no zero branches";
+    for (int j = 0; j < 3; ++j)
+        EXPECT_EQ(branch(j).size(), 50u);
+}
+
+TEST_F(Sweep, BranchesOfTheTextbookLoopAreTheClosedLoopRootsAndStayContinuous)
+{
+    useLoop({1}, {0, 2, 3});
+    gainRange = {101, 0.0, 1.0};
+    run();
+    for (int s = 0; s < 101; ++s)
+        expectStepMatchesLapack(s, 1e-7);
+
+    /* The branch from -2 stays on the real axis and heads left; the two from 0 and -1 meet
+    ** at the break-away point -1 + 1/sqrt(3) and leave the axis as a conjugate pair, each
+    ** keeping the side it left on. */
+    std::vector<Complex> fromZero, fromOne, fromTwo;
+    for (int j = 0; j < 3; ++j) {
+        std::vector<Complex> b = branch(j);
+        if (std::fabs(b[0].re) < 1e-12)
+            fromZero = b;
+        else if (std::fabs(b[0].re + 1) < 1e-12)
+            fromOne = b;
+        else
+            fromTwo = b;
+    }
+    ASSERT_EQ(fromZero.size(), 101u);
+    ASSERT_EQ(fromOne.size(), 101u);
+    ASSERT_EQ(fromTwo.size(), 101u);
+    const double breakAway = -1.0 + 1.0 / std::sqrt(3.0);
+    double upperSign = 0.0;
+    for (int s = 1; s < 101; ++s) {
+        EXPECT_EQ(fromTwo[s].im, 0.0);
+        EXPECT_LT(fromTwo[s].re, fromTwo[s - 1].re);
+        if (fromZero[s].im == 0.0) {
+            /* Still real: both approach the break-away point from either side. */
+            EXPECT_EQ(fromOne[s].im, 0.0);
+            EXPECT_LE(fromZero[s].re, fromZero[s - 1].re);
+            EXPECT_GE(fromOne[s].re, fromOne[s - 1].re);
+            EXPECT_GT(fromZero[s].re, breakAway - 1e-6);
+            EXPECT_LT(fromOne[s].re, breakAway + 1e-6);
+        } else {
+            EXPECT_NEAR(fromZero[s].im, -fromOne[s].im, 1e-12);
+            EXPECT_NEAR(fromZero[s].re, fromOne[s].re, 1e-12);
+            double sign = fromZero[s].im > 0 ? 1.0 : -1.0;
+            if (upperSign == 0.0)
+                upperSign = sign;
+            EXPECT_EQ(sign, upperSign) << "the branch from 0 changed sides at step " << s;
+            /* Gains 0.01 apart move a root by far less than the distance between the pair. */
+            EXPECT_LT(distance(fromZero[s], fromZero[s - 1]), distance(fromZero[s], fromOne[s]) + 0.05);
+        }
+    }
+    EXPECT_NE(upperSign, 0.0) << "the pair left the real axis within K <= 1";
+}
+
+TEST_F(Sweep, CrossesTheImaginaryAxisAtPlusMinusJRootTwoForKSix)
+{
+    useLoop({1}, {0, 2, 3});
+    run();
+    ASSERT_EQ(gains()[3], 6.0);
+    std::vector<Complex> atSix;
+    for (int j = 0; j < 3; ++j)
+        atSix.push_back(branch(j)[3]);
+    std::sort(atSix.begin(), atSix.end(), [](Complex a, Complex b) { return a.im < b.im; });
+    EXPECT_NEAR(atSix[0].re, 0.0, 1e-12);
+    EXPECT_NEAR(atSix[0].im, -std::sqrt(2.0), 1e-12);
+    EXPECT_NEAR(atSix[1].re, -3.0, 1e-12);
+    EXPECT_NEAR(atSix[1].im, 0.0, 1e-12);
+    EXPECT_NEAR(atSix[2].re, 0.0, 1e-12);
+    EXPECT_NEAR(atSix[2].im, std::sqrt(2.0), 1e-12);
+    /* Below K = 6 the pair is in the left half plane, above it in the right. */
+    for (int j = 0; j < 3; ++j) {
+        if (branch(j)[3].im == 0.0)
+            continue;
+        EXPECT_LT(branch(j)[2].re, 0.0);
+        EXPECT_GT(branch(j)[4].re, 0.0);
+    }
+    for (int s = 0; s < 50; s += 7)
+        expectStepMatchesLapack(s, 1e-8);
+}
+
+TEST_F(Sweep, FewerThanTwoStepsDrawNothing)
+{
+    useLoop({1}, {0, 2, 3});
+    gainRange = {1, 0.0, 100.0};
+    EXPECT_EQ(run(), 0.0);
+    EXPECT_EQ(plot->paramInfo, nullptr);
+    for (int j = 0; j < 3; ++j)
+        EXPECT_TRUE(std::isnan(branch(j)[0].re));
+    EXPECT_EQ(rootLocus(plot, num, den, 0), 0.0);
+}
+
+TEST_F(Sweep, ReturnsTheSignedExtremeCoordinate)
+{
+    /* 1/(s + 1): the single root is -1 - K, so 11.3 takes it to -12.3. */
+    useLoop({1}, {1});
+    gainRange = {2, 0.0, 11.3};
+    EXPECT_DOUBLE_EQ(run(), -12.3);
+    EXPECT_DOUBLE_EQ(branch(0)[1].re, -12.3);
+
+    /* K/(s^2 + 1): roots +-j sqrt(1 + K), an imaginary extreme. */
+    useLoop({1}, {1, 0});
+    gainRange = {2, 0.0, 15.0};
+    EXPECT_DOUBLE_EQ(run(), 4.0);
+}
+
+TEST_F(Sweep, EquidistantRootGoesToTheLowerBranch)
+{
+    /* Roots -2 and -2.9 in the finder's order; the first lies midway between the two
+    ** previous points, the second is nearer to branch 0's.  The tie goes to branch 0,
+    ** which is then taken, so the second root must go to branch 1. */
+    double numerator[3] = {0, 0, 0}, denominator[3] = {5.8, 4.9, 1};
+    block = makeRootLocusPlot(2);
+    plot = plotRecordOf(block);
+    beginLocusRun(numerator, denominator, 2, 1.0);
+    Complex found[2];
+    Matrix *work = matDecl(2, 2);
+    ASSERT_EQ(polyRoots(found, denominator, 2, work), 2);
+    gfree(work);
+    double other = found[1].re;
+    double side = other < found[0].re ? -1.0 : 1.0;
+    storeLocusPoint(plot, 0, 0, {found[0].re + side, 0});
+    storeLocusPoint(plot, 1, 0, {found[0].re - side, 0});
+    double moved = rootLocusStep(plot, 1, 0.0);
+    endLocusRun();
+    EXPECT_DOUBLE_EQ(branch(0)[1].re, found[0].re);
+    EXPECT_DOUBLE_EQ(branch(1)[1].re, other);
+    EXPECT_NEAR(moved, 1.0 + 0.9, 1e-12) << "the second root moved from branch 1's point";
+}
+
+TEST_F(Sweep, UnconnectedInputIsReportedAndNothingDrawn)
+{
+    useLoop({1}, {0, 2, 3});
+    model.B->data[2] = 0.0;
+    model.C->data[0] = 0.0;
+    platform::clearTranscript();
+    EXPECT_EQ(run(), 0.0);
+    EXPECT_NE(transcript().find("Input not connected to output. Check for delay or saturated limit."),
+              std::string::npos)
+        << transcript();
+    EXPECT_EQ(plot->paramInfo, nullptr);
+    EXPECT_TRUE(std::isnan(branch(0)[0].re));
+}
+
+TEST_F(Sweep, MoreBranchesThanTheTrackingSetAreRefused)
+{
+    useLoop({1}, {0, 2, 3});
+    block = makeRootLocusPlot(3);
+    plot = plotRecordOf(block);
+    std::vector<double> coefficients(1026, 1.0);
+    platform::clearTranscript();
+    EXPECT_EQ(rootLocus(plot, coefficients.data(), coefficients.data(), 1025), 0.0);
+    EXPECT_NE(transcript().find("Root locus: 1025 closed-loop poles are more than the 1024 branches that can be tracked."),
+              std::string::npos)
+        << transcript();
+}
+
+TEST_F(Sweep, UnusableNumbersEndTheSweep)
+{
+    /* NaN coefficients: the finder gives NaN roots; both modes still end. */
+    useLoop({1}, {0, 2, 3});
+    num[0] = NAN;
+    for (int32_t automatic : {0, 1}) {
+        optionsMemory.autoRange = automatic;
+        run();
+        EXPECT_EQ(plot->paramInfo->poleCount, 3);
+    }
+    /* Gains up to the largest double overflow the closed loop; the sweep still ends. */
+    useLoop({1}, {0, 2, 3});
+    optionsMemory.autoRange = 0;
+    gainRange = {20, 0.0, 1.7e308};
+    run();
+    EXPECT_EQ(gains().back(), 1.7e308);
+    expectStepMatchesLapack(1, 1e-3 * std::cbrt(gains()[1]));
+}
+
+}
