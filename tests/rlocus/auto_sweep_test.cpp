@@ -1,0 +1,157 @@
+/*
+** The automatic mode: adapted steps that still sit on the closed-loop roots, the first
+** step kept small, the snapped break-away point, the gain held once the locus has spread,
+** and the branches recorded at each zero.
+*/
+#include "locus_fixture.h"
+
+using namespace locustest;
+
+namespace {
+
+class AutoSweep : public LocusTest {
+protected:
+    void SetUp() override
+    {
+        LocusTest::SetUp();
+        optionsMemory.autoRange = 1;
+    }
+
+    /* A zeroed PlotParamInfo on a fresh n-trace plot, as the sweep attaches it. */
+    void plotWithParamInfo(int traces)
+    {
+        block = makeRootLocusPlot(traces);
+        plot = plotRecordOf(block);
+        plot->paramInfo = (PlotParamInfo *)galloc(sizeof(PlotParamInfo));
+        *plot->paramInfo = PlotParamInfo{};
+    }
+    std::vector<int32_t> zeroBranches(int nZ) const
+    {
+        return std::vector<int32_t>(plot->paramInfo->zeroBranches, plot->paramInfo->zeroBranches + nZ);
+    }
+};
+
+TEST_F(AutoSweep, AdaptedStepsSitOnTheClosedLoopRootsOfTheirGains)
+{
+    useLoop({1}, {0, 2, 3});
+    gainRange.start = 5.0;
+    run();
+    EXPECT_EQ(gainRange.start, 0.0) << "the automatic range starts at 0, in memory";
+    std::vector<double> K = gains();
+    EXPECT_EQ(K[0], 0.0);
+    for (int s = 1; s < 50; ++s) {
+        EXPECT_GE(K[s], K[s - 1]) << s;
+        expectStepMatchesLapack(s, 1e-7 * std::max(1.0, std::cbrt(K[s])));
+    }
+    /* The first step is halved until no root moves more than max(1, S)/100 (S = 4). */
+    for (int j = 0; j < 3; ++j)
+        EXPECT_LE(distance(branch(j)[1], branch(j)[0]), 0.04);
+}
+
+TEST_F(AutoSweep, GainIsHeldOnceTheLocusSpreadsBeyondTwiceTheBox)
+{
+    /* K/(s(s+1)(s+2)): S = 4; after step 20 the extent is tracked, and once it exceeds 8
+    ** every remaining step repeats the gain reached, so the branches stop growing. */
+    useLoop({1}, {0, 2, 3});
+    double extreme = run();
+    std::vector<double> K = gains();
+    int held = 49;
+    while (held > 0 && K[held - 1] == K[49])
+        --held;
+    ASSERT_LT(held, 49) << "the gain is held over the last steps";
+    ASSERT_GT(held, 20);
+    double before = 0.0, through = 0.0;
+    for (int s = 19; s < held; ++s)
+        for (int j = 0; j < 3; ++j) {
+            Complex p = branch(j)[s];
+            double spread = std::max(std::fabs(p.re), std::fabs(p.im));
+            through = std::max(through, spread);
+            if (s < held - 1)
+                before = std::max(before, spread);
+        }
+    EXPECT_GT(through, 8.0);
+    EXPECT_LE(before, 8.0);
+    for (int j = 0; j < 3; ++j)
+        for (int s = held; s < 50; ++s) {
+            EXPECT_EQ(branch(j)[s].re, branch(j)[held].re);
+            EXPECT_EQ(branch(j)[s].im, branch(j)[held].im);
+        }
+    /* The returned extreme is the real branch at the held gain, signed. */
+    std::vector<Complex> last = lapackRoots(closedLoop(K[49]));
+    EXPECT_NEAR(extreme, last[0].re, 1e-9 * std::fabs(last[0].re));
+    EXPECT_LT(extreme, -8.0);
+}
+
+TEST_F(AutoSweep, BranchesLeaveTheRealAxisVerticallyFromTheBreakAwayPoint)
+{
+    /* 1/((s+1)(s+2)) meets at -1.5.  With 51 steps a step lands just past the break-away
+    ** gain; its previous points move onto the break-away value so both branches rise
+    ** vertically from the same real value. */
+    useLoop({1}, {2, 3});
+    gainRange.steps = 51;
+    run();
+    std::vector<Complex> a = branch(0), b = branch(1);
+    int split = 0;
+    while (split < 51 && a[split].im == 0.0)
+        ++split;
+    ASSERT_GT(split, 1);
+    ASSERT_LT(split, 51);
+    EXPECT_EQ(a[split - 1].im, 0.0);
+    EXPECT_EQ(b[split - 1].im, 0.0);
+    EXPECT_NE(b[split].im, 0.0);
+    EXPECT_EQ(a[split - 1].re, a[split].re) << "branch 0 rises vertically";
+    EXPECT_EQ(b[split - 1].re, b[split].re) << "branch 1 rises vertically";
+    EXPECT_EQ(a[split].re, b[split].re);
+    EXPECT_NEAR(a[split].re, -1.5, 1e-9);
+    EXPECT_LE(std::fabs(a[split].im), 4.0 / 100);
+    /* Before the snap the two were still apart on the axis. */
+    EXPECT_NE(a[split - 2].re, b[split - 2].re);
+}
+
+TEST_F(AutoSweep, AsManyZerosAsPolesNumbersTheBranchesFromOne)
+{
+    /* (s+1)(s+2)/((s+10)(s+20)): biproper, every branch ends on a zero. */
+    useLoop({2 - 200, 3 - 30}, {200, 30}, 1.0);
+    run();
+    ASSERT_EQ(plot->paramInfo->zeroCount, 2);
+    ASSERT_EQ(plot->paramInfo->poleCount, 2);
+    EXPECT_EQ(std::vector<int32_t>(plot->paramInfo->zeroBranches, plot->paramInfo->zeroBranches + 2),
+              (std::vector<int32_t>{1, 2}));
+}
+
+TEST_F(AutoSweep, EndpointsInsideTheBoxAreTheZeroBranchesInBranchOrder)
+{
+    plotWithParamInfo(3);
+    const Complex zeros[1] = {{-2, 0}};
+    const Complex endpoints[3] = {{-30, 0}, {-2.001, 0}, {5, 40}};
+    assignZeroBranches(plot, endpoints, 4.0, 3, 3, 1, zeros);
+    EXPECT_EQ(zeroBranches(1), (std::vector<int32_t>{1}));
+}
+
+TEST_F(AutoSweep, WrongOutsideCountPairsGreedilyByDistance)
+{
+    /* All three endpoints inside (one branch should be outside): greedy pairing.  The
+    ** closest pair of all, endpoint 0.6 with zero 1, goes first, although zero 0 taken
+    ** first would also have chosen endpoint 0.6. */
+    plotWithParamInfo(3);
+    const Complex zeros[2] = {{0, 0}, {1, 0}};
+    const Complex endpoints[3] = {{0.6, 0}, {1.5, 0}, {5, 0}};
+    assignZeroBranches(plot, endpoints, 10.0, 3, 3, 2, zeros);
+    EXPECT_EQ(zeroBranches(2), (std::vector<int32_t>{1, 0}));
+
+    /* Equal distances: the first endpoint, then the first zero, wins. */
+    const Complex tied[3] = {{0.5, 0}, {0.5, 0}, {5, 0}};
+    assignZeroBranches(plot, tied, 10.0, 3, 3, 2, zeros);
+    EXPECT_EQ(zeroBranches(2), (std::vector<int32_t>{0, 1}));
+}
+
+TEST_F(AutoSweep, ZerosLeftWithoutAnEndpointAreMarkedMinusOne)
+{
+    plotWithParamInfo(3);
+    const Complex zeros[2] = {{-1, 0}, {-3, 0}};
+    const Complex endpoints[3] = {{-2.9, 0}, {50, 0}, {-50, 0}};
+    assignZeroBranches(plot, endpoints, 10.0, 3, 3, 2, zeros);
+    EXPECT_EQ(zeroBranches(2), (std::vector<int32_t>{-1, 0}));
+}
+
+}

@@ -1,0 +1,139 @@
+/*
+** The root finder and the automatic gain range: companion matrix, degree drop, box size,
+** the top gain found by doubling and bisection against hand-derived and LAPACK values.
+*/
+#include "locus_fixture.h"
+
+using namespace locustest;
+
+namespace {
+
+class GainRange : public LocusTest {
+protected:
+    double S = 0.0, Kauto = 0.0;
+
+    /* The automatic range of den + K num (g = 1) for the given roots. */
+    void autoRange(const std::vector<double> &numerator, const std::vector<double> &denominator,
+                   const std::vector<Complex> &poles, const std::vector<Complex> &zeros, double g = 1.0)
+    {
+        int32_t order = (int32_t)denominator.size() - 1;
+        beginLocusRun(numerator.data(), denominator.data(), order, g);
+        rootLocusAutoGain(poles.data(), zeros.data(), (int32_t)poles.size(), (int32_t)zeros.size(), &S, &Kauto,
+                          order);
+        endLocusRun();
+    }
+};
+
+TEST_F(GainRange, CompanionMatrixOfACubicAndItsRoots)
+{
+    const double c[4] = {6, 11, 6, 1};
+    Matrix *W = matDecl(3, 3);
+    Complex roots[3];
+    ASSERT_EQ(polyRoots(roots, c, 3, W), 3);
+    const double rows[3][3] = {{0, 1, 0}, {0, 0, 1}, {-6, -11, -6}};
+    for (int i = 0; i < 3; ++i)
+        for (int j = 0; j < 3; ++j)
+            EXPECT_EQ(W->data[j * 3 + i], rows[i][j]) << i << "," << j;
+    std::vector<double> found;
+    for (Complex r : roots) {
+        EXPECT_NEAR(r.im, 0.0, 1e-12);
+        found.push_back(r.re);
+    }
+    std::sort(found.begin(), found.end());
+    EXPECT_NEAR(found[0], -3.0, 1e-12);
+    EXPECT_NEAR(found[1], -2.0, 1e-12);
+    EXPECT_NEAR(found[2], -1.0, 1e-12);
+    gfree(W);
+}
+
+TEST_F(GainRange, DegreeFollowsTheHighestNonzeroCoefficient)
+{
+    Matrix *W = matDecl(4, 4);
+    Complex roots[4] = {{7, 7}, {7, 7}, {7, 7}, {7, 7}};
+    const double quadratic[5] = {2, -3, 1, 0, 0};      /* (s - 1)(s - 2), leading terms gone */
+    ASSERT_EQ(polyRoots(roots, quadratic, 4, W), 2);
+    double low = std::min(roots[0].re, roots[1].re), high = std::max(roots[0].re, roots[1].re);
+    EXPECT_NEAR(low, 1.0, 1e-12);
+    EXPECT_NEAR(high, 2.0, 1e-12);
+    EXPECT_EQ(roots[2].re, 7.0) << "entries past the degree are left alone";
+
+    const double constant[5] = {5, 0, 0, 0, 0}, none[5] = {0, 0, 0, 0, 0};
+    EXPECT_EQ(polyRoots(roots, constant, 4, W), 0);
+    EXPECT_EQ(polyRoots(roots, none, 4, W), -1);
+    EXPECT_EQ(roots[2].re, 7.0);
+
+    /* A NaN coefficient counts as present and gives NaN roots, not a hang. */
+    const double broken[5] = {1, NAN, 1, 0, 0};
+    ASSERT_EQ(polyRoots(roots, broken, 4, W), 2);
+    EXPECT_TRUE(std::isnan(roots[0].re) || std::isnan(roots[1].re));
+    gfree(W);
+}
+
+TEST_F(GainRange, ThreePolesAtMinusOneLeaveTheBoxOfTwo)
+{
+    /* (s + 1)^3 + K: roots -1 + K^(1/3) e^(j pi (2k + 1)/3).  The complex pair leaves the
+    ** square |Re|, |Im| <= 2 through its top side at K* = (4/sqrt 3)^3.  Doubling passes
+    ** at 20 (10 fails); bisection 15, 12.5 pass, 11.25, 11.875 fail: the bracket
+    ** [11.875, 12.5] is narrower than 1. */
+    autoRange({1, 0, 0, 0}, {1, 3, 3, 1}, {{-1, 0}, {-1, 0}, {-1, 0}}, {});
+    EXPECT_EQ(S, 2.0);
+    EXPECT_EQ(Kauto, 12.5);
+    double critical = std::pow(4.0 / std::sqrt(3.0), 3.0);
+    EXPECT_GT(Kauto, critical);
+    EXPECT_LT(Kauto - 1.0, critical);
+}
+
+TEST_F(GainRange, OneZeroIsReachedWhileTwoBranchesLeave)
+{
+    /* (s + 1)^3 + K (s + 2): S = 2 |-2| = 4; two roots must leave the box, one must come
+    ** within min(S/100, 0.1) = 0.04 of -2.  The least such gain, by bisection on LAPACK's
+    ** roots, must lie at most 1 below the one found. */
+    std::vector<double> numerator = {2, 1, 0, 0}, denominator = {1, 3, 3, 1};
+    autoRange(numerator, denominator, {{-1, 0}, {-1, 0}, {-1, 0}}, {{-2, 0}});
+    EXPECT_EQ(S, 4.0);
+    auto satisfied = [&](double K) {
+        std::vector<double> c(4);
+        for (int k = 0; k < 4; ++k)
+            c[k] = denominator[k] + K * numerator[k];
+        int outside = 0;
+        bool onZero = false;
+        for (Complex r : lapackRoots(c)) {
+            if (std::fabs(r.re) > 4 || std::fabs(r.im) > 4)
+                ++outside;
+            else if (distance(r, {-2, 0}) < 0.04)
+                onZero = true;
+        }
+        return outside == 2 && onZero;
+    };
+    double lo = 0.0, hi = 1e4;
+    ASSERT_TRUE(satisfied(hi));
+    for (int i = 0; i < 200; ++i)
+        (satisfied((lo + hi) / 2) ? hi : lo) = (lo + hi) / 2;
+    EXPECT_TRUE(satisfied(Kauto));
+    EXPECT_GE(Kauto, hi);
+    EXPECT_LT(Kauto, hi + 1.0);
+}
+
+TEST_F(GainRange, ALoopThatNeverGetsThereGivesUpAt20480)
+{
+    autoRange({1e-9, 0, 0, 0}, {1, 3, 3, 1}, {{-1, 0}, {-1, 0}, {-1, 0}}, {});
+    EXPECT_EQ(Kauto, 20480.0);
+    /* The same with roots that are NaN: the box keeps its least size. */
+    autoRange({1, 0, 0, 0}, {NAN, 3, 3, 1}, {{NAN, 0}, {-1, 0}, {-1, 0}}, {});
+    EXPECT_EQ(S, 2.0);
+    EXPECT_EQ(Kauto, 20480.0);
+}
+
+TEST_F(GainRange, BoxIsTwiceTheLargestRootMagnitude)
+{
+    autoRange({1, 0, 0}, {0, 30, 1}, {{0, 0}, {-30, 0}}, {});
+    EXPECT_EQ(S, 60.0);
+    /* Roots -15 +- j sqrt(K - 225) leave the box |Im| <= 60 above K = 3825: doubling
+    ** passes at 5120 (2560 fails); bisection 3840 passes, then 3200, 3520, 3680, 3760, 3800
+    ** and 3820 fail, leaving a bracket of 20, within 1 % of the last doubling step 2560. */
+    EXPECT_EQ(Kauto, 3840.0);
+    EXPECT_GT(Kauto, 3825.0);
+    EXPECT_LT(Kauto, 3825.0 + 25.6 + 1e-9);
+}
+
+}
