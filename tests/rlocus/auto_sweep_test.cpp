@@ -50,31 +50,32 @@ TEST_F(AutoSweep, AdaptedStepsSitOnTheClosedLoopRootsOfTheirGains)
 
 TEST_F(AutoSweep, GainIsHeldOnceTheLocusSpreadsBeyondTwiceTheBox)
 {
-    /* K/(s(s+1)(s+2)): S = 4; after step 20 the extent is tracked, and once it exceeds 8
-    ** every remaining step repeats the gain reached, so the branches stop growing. */
+    /* K/(s(s+1)(s+2)): S = 4; from step 20 on the extent is tracked, and once it exceeds 8
+    ** every remaining step repeats the gain of the step that crossed, so the branches stop
+    ** there. */
     useLoop({1}, {0, 2, 3});
     double extreme = run();
     std::vector<double> K = gains();
-    int held = 49;
-    while (held > 0 && K[held - 1] == K[49])
-        --held;
-    ASSERT_LT(held, 49) << "the gain is held over the last steps";
-    ASSERT_GT(held, 20);
+    int crossed = 49;
+    while (crossed > 0 && K[crossed - 1] == K[49])
+        --crossed;
+    ASSERT_LT(crossed, 49) << "the gain is held over the last steps";
+    ASSERT_GT(crossed, 20);
     double before = 0.0, through = 0.0;
-    for (int s = 19; s < held; ++s)
+    for (int s = 19; s <= crossed; ++s)
         for (int j = 0; j < 3; ++j) {
             Complex p = branch(j)[s];
             double spread = std::max(std::fabs(p.re), std::fabs(p.im));
             through = std::max(through, spread);
-            if (s < held - 1)
+            if (s < crossed)
                 before = std::max(before, spread);
         }
     EXPECT_GT(through, 8.0);
     EXPECT_LE(before, 8.0);
     for (int j = 0; j < 3; ++j)
-        for (int s = held; s < 50; ++s) {
-            EXPECT_EQ(branch(j)[s].re, branch(j)[held].re);
-            EXPECT_EQ(branch(j)[s].im, branch(j)[held].im);
+        for (int s = crossed; s < 50; ++s) {
+            EXPECT_EQ(branch(j)[s].re, branch(j)[crossed].re);
+            EXPECT_EQ(branch(j)[s].im, branch(j)[crossed].im);
         }
     /* The returned extreme is the real branch at the held gain, signed. */
     std::vector<Complex> last = lapackRoots(closedLoop(K[49]));
