@@ -151,6 +151,46 @@ TEST_F(Sweep, EquidistantRootGoesToTheLowerBranch)
     EXPECT_NEAR(moved, 1.0 + 0.9, 1e-12) << "the second root moved from branch 1's point";
 }
 
+TEST_F(Sweep, ADegreeDropKeepsTheRootsTheStepBeforeFound)
+{
+    /* (s+1)(s+2) + K s^2: at K = -1 the closed loop is 3 s + 2, one root only; the other
+    ** branch keeps the root buffer's entry of the step before. */
+    double numerator[3] = {0, 0, 1}, denominator[3] = {2, 3, 1};
+    block = makeRootLocusPlot(2);
+    plot = plotRecordOf(block);
+    beginLocusRun(numerator, denominator, 2, 1.0);
+    rootLocusStep(plot, 0, 0.0);
+    Complex stale = rootLocusState.roots[1];
+    rootLocusStep(plot, 1, -1.0);
+    endLocusRun();
+    std::vector<double> atDrop = {branch(0)[1].re, branch(1)[1].re};
+    std::sort(atDrop.begin(), atDrop.end());
+    std::vector<double> expected = {-2.0 / 3.0, stale.re};
+    std::sort(expected.begin(), expected.end());
+    EXPECT_NEAR(atDrop[0], expected[0], 1e-12);
+    EXPECT_NEAR(atDrop[1], expected[1], 1e-12);
+}
+
+TEST_F(Sweep, TraceBuffersGrowBy128PointsAndLeaveUnwrittenPointsUndrawn)
+{
+    gainRange.steps = 50;
+    block = makeRootLocusPlot(1);
+    plot = plotRecordOf(block);
+    storeLocusPoint(plot, 0, 0, {1, 2});
+    storeLocusPoint(plot, 0, 60, {3, -4});
+    for (int c = 0; c < 2; ++c) {
+        PlotPointBuffer *b = buffer(0, c);
+        EXPECT_EQ(b->capacity, 178u);
+        EXPECT_EQ(b->highestIndex, 60u);
+        EXPECT_EQ(b->values[60], c == 0 ? 3.0 : -4.0);
+        EXPECT_TRUE(std::isnan(b->values[59]));
+        EXPECT_TRUE(std::isnan(b->values[177]));
+    }
+    /* A branch the host has no trace for is skipped. */
+    storeLocusPoint(plot, 5000, 0, {1, 1});
+    EXPECT_EQ(buffer(5000, 0), nullptr);
+}
+
 TEST_F(Sweep, UnconnectedInputIsReportedAndNothingDrawn)
 {
     useLoop({1}, {0, 2, 3});
