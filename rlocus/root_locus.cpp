@@ -190,7 +190,7 @@ void adaptLocusGain(PlotRecord *plot, int32_t n, int32_t stepNumber, double *K, 
             if (turn <= 5.0)
                 continue;
             bool smallStep = *K - previousK < 0.1 * (K0 - previousK) || pass >= 21;
-            bool leftRealAxis = p2.im != 0.0 && std::fabs(p2.im) <= boxSize / 100.0 && p1.im == 0.0;
+            bool leftRealAxis = p2.im != 0.0 && std::fabs(p2.im) <= S / 100.0 && p1.im == 0.0;
             if (smallStep && leftRealAxis && snapBreakAway(plot, n, j, s))
                 return;
             *K = previousK + (*K - previousK) / 2.0;
