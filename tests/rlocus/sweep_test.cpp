@@ -235,6 +235,12 @@ TEST_F(Sweep, UnusableNumbersEndTheSweep)
     run();
     EXPECT_EQ(gains().back(), 1.7e308);
     expectStepMatchesLapack(1, 1e-3 * std::cbrt(gains()[1]));
+    /* A loop gain near the largest double in the automatic mode: every product overflows
+    ** at some step, and the sweep still ends with a gain for every step. */
+    useLoop({1e300}, {0, 2, 3});
+    optionsMemory.autoRange = 1;
+    run();
+    EXPECT_EQ(gains().size(), 20u);
 }
 
 }
