@@ -50,4 +50,7 @@
 #define IDC_POLEZERO_HEADING    109
 #define IDC_POLEZERO_HELP       9
 
+/* NYQUISTINFINITI: R∞ of the Nyquist detours. */
+#define IDC_NYQUIST_INFINITY    901
+
 #endif
