@@ -246,6 +246,77 @@ TEST_F(NyquistTest, PolePairOnTheAxisIsPassedOnBothSidesAndTheCurveIsSortedByFre
     EXPECT_NEAR(std::hypot(X(4 * h + h / 2), Y(4 * h + h / 2)), 1.0 / (r * (4.0 + r)), 0.5);
 }
 
+TEST_F(NyquistTest, PolesOnTheAxisAreFoundOnceEachAndInAscendingOrder)
+{
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    Roots list = {{0, 5},      {0, -5},   {1e-5, 5.0005}, {0, 5.0009}, {0, 2},  {-1e-4, 3},
+                  {5e-5, -5e-5}, {0, -2e-4}, {nan, 1},      {-1, 0},    {0, 2.0011}};
+    double out[16];
+    ASSERT_EQ(findJwPoles(list.data(), (int32_t)list.size(), out), 4);
+    EXPECT_EQ(out[0], -5e-5);      /* the pole at the origin, |ω| < 1e-4 */
+    EXPECT_EQ(out[1], 2.0);
+    EXPECT_EQ(out[2], 2.0011);     /* more than 1e-3 from 2 */
+    EXPECT_EQ(out[3], 5.0);        /* 5.0005 and 5.0009 lie within 1e-3 of it */
+    EXPECT_TRUE(isOriginPole(out[0]));
+    EXPECT_FALSE(isOriginPole(1e-4));
+}
+
+TEST_F(NyquistTest, TwoPolePairsGetTwoDetoursAndTheSegmentBetweenThem)
+{
+    /* G(s) = 1 / ((s² + 1)(s² + 9)), real on the axis.  Worked crossings: 1.005859375
+    ** (searched up to the midpoint 2) and 3.0020599365234375 (up to (3 + 30)/2). */
+    poles = {{0, 1}, {0, -1}, {0, 3}, {0, -3}};
+    run(1.0, 1.0);
+    const int M = 1000, h = 500, total = 5000;      /* M = 2·2·250, N′ = 5·M */
+    EXPECT_EQ(arcPointCount, M);
+    ASSERT_EQ(count(), (uint32_t)total);
+    EXPECT_EQ(frequencyRange.stop, 30.0);
+    const double omega[2] = {1.0, 3.0}, rho[2] = {1.005859375, 3.0020599365234375};
+    expectAscending(W, 1, total);
+    EXPECT_NEAR(W[1], -30.0, 1e-9);
+    EXPECT_NEAR(W[total], 30.0, 1e-9);
+    /* Blocks of h: −30…−ρ2, detour −j3, −e2…−ρ1, detour −j1, −e1…−start, start…e1,
+    ** detour j1, ρ1…e2, detour j3, ρ2…30, where e_k = 2ω_k − ρ_k. */
+    double e2 = 2 * 3.0 - rho[1], e1 = 2 * 1.0 - rho[0];
+    EXPECT_NEAR(W[2 * h], -e2, 1e-12);
+    EXPECT_NEAR(W[2 * h + 1], -e2, 1e-12);
+    EXPECT_NEAR(W[3 * h], -rho[0], 1e-12);
+    EXPECT_NEAR(W[4 * h], -e1, 1e-12);
+    EXPECT_NEAR(W[5 * h + 1], frequencyRange.start, 1e-15);
+    EXPECT_NEAR(W[6 * h + 1], e1, 1e-12);
+    EXPECT_NEAR(W[7 * h + 1], rho[0], 1e-12);
+    EXPECT_NEAR(W[8 * h], e2, 1e-12);
+    for (int p = 1; p <= total; p++) {
+        /* A point inside a detour's band lies on its half circle, right of the axis. */
+        double re = 0.0;
+        for (int k = 0; k < 2; k++) {
+            double r = rho[k] - omega[k], offset = std::fabs(W[p]) - omega[k];
+            if (std::fabs(offset) < r)
+                re = std::sqrt(r * r - offset * offset);
+        }
+        std::complex<double> g = reference({re, W[p]}, zeros, poles, 1.0);
+        ASSERT_NEAR(X(p), g.real(), 1e-6 * std::max(1.0, std::abs(g))) << p;
+        ASSERT_NEAR(Y(p), g.imag(), 1e-6 * std::max(1.0, std::abs(g))) << p;
+    }
+}
+
+TEST_F(NyquistTest, ThousandsOfPolesOnTheAxisLeaveNoRoomForDetours)
+{
+    /* (2·nJ + 1)·2·nJ points per quarter step exceed the most a run draws: the curve
+    ** goes without detours instead of asking for billions of points. */
+    for (int k = 1; k <= 1100; k++) {
+        poles.push_back({0, (double)k});
+        poles.push_back({0, -(double)k});
+    }
+    arcPointCount = 5;
+    run(1.0, 1.0);
+    EXPECT_EQ(count(), 1000u);
+    EXPECT_EQ(frequencyRange.steps, 1000);
+    EXPECT_EQ(arcPointCount, 5);
+    EXPECT_EQ(transcript(), "");
+    expectPointAt(1, 0.0, 1.0);
+}
+
 TEST_F(NyquistTest, DetourWiderThanItsPoleFrequencyLeavesNoUndefinedPoint)
 {
     /* G(s) = 1 / (s² + 1e-4): ρ = 0.319375 for the pole at j0.01, so the lower edge
