@@ -317,6 +317,21 @@ TEST_F(NyquistTest, ThousandsOfPolesOnTheAxisLeaveNoRoomForDetours)
     expectPointAt(1, 0.0, 1.0);
 }
 
+TEST_F(NyquistTest, StepCountFromTheSettingsFileIsHeldToTheMostPointsARunDraws)
+{
+    poles = {{-1, 0}};
+    frequencyRange.steps = std::numeric_limits<int32_t>::max();
+    run(1.0, 1.0);
+    EXPECT_EQ(count(), 4194304u);
+    EXPECT_EQ(frequencyRange.steps, 4194304);
+    expectPointAt(4194304, {0.0, W[4194303]}, 1.0);
+
+    frequencyRange = {std::numeric_limits<int32_t>::max(), 0.1, 1.0};
+    prepareSampledNyquist(plot);
+    EXPECT_EQ(count(), 4194304u);
+    EXPECT_EQ(plot->pointCount, 4194304u);
+}
+
 TEST_F(NyquistTest, DetourWiderThanItsPoleFrequencyLeavesNoUndefinedPoint)
 {
     /* G(s) = 1 / (s² + 1e-4): ρ = 0.319375 for the pole at j0.01, so the lower edge
