@@ -106,12 +106,18 @@ static void fillSegment(double *W, int32_t position, int32_t h, double from, dou
     }
 }
 
-/* Points per quarter of the step count, lowered so that the curve stays within
+/* How many M-point pieces the detoured curve has: the detours (nJ·M), the upper
+** segments (nJ·M) and, without a pole at the origin, the lower segment (M). */
+static int64_t piecesOfM(int32_t jwCount, bool origin)
+{
+    return origin ? 2 * (int64_t)jwCount : 2 * (int64_t)jwCount + 1;
+}
+
+/* ⌊N/4⌋, lowered so that the curve of piecesOfM·M points, M = 2·nJ·⌊N/4⌋, stays within
 ** MOST_POINTS; 0 when not even one point per quarter fits. */
 static int64_t detourQuarter(int32_t steps, int32_t jwCount, bool origin)
 {
-    int64_t blocksPerArc = origin ? 2 * (int64_t)jwCount : 2 * (int64_t)jwCount + 1;
-    int64_t pointsPerQuarter = blocksPerArc * 2 * jwCount;
+    int64_t pointsPerQuarter = piecesOfM(jwCount, origin) * 2 * jwCount;
     int64_t quarter = steps / 4;
     if (quarter * pointsPerQuarter > MOST_POINTS)
         quarter = MOST_POINTS / pointsPerQuarter;
@@ -167,7 +173,7 @@ double *nyquistResponse(int32_t zeroCount, int32_t poleCount, Complex *poles, Co
     if (jwCount > 0 && quarter > 0) {
         M = (int32_t)(2 * jwCount * quarter);
         arcPointCount = M;
-        total = (origin ? 2 * jwCount : 2 * jwCount + 1) * M;
+        total = (int32_t)(piecesOfM(jwCount, origin) * M);
     } else {
         /* More than about a thousand distinct imaginary-axis poles leave no room for
         ** detours within MOST_POINTS: the curve is then drawn without them. */
