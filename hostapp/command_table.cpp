@@ -22,8 +22,8 @@ const std::vector<CommandSpec> &commandTable()
         {"select-compensator", 254, true, "select the compensator block (host)"},
         {"rlocus", 240, true, "root locus plot"},
         {"rlocus-options", 241, true, "root locus gain range; [--start K --stop K --steps N --auto|--no-auto]"},
-        {"nyquist", 250, false, "Nyquist plot"},
-        {"bode", 242, false, "Bode magnitude and phase plots"},
+        {"nyquist", 250, true, "Nyquist plot"},
+        {"bode", 242, true, "Bode magnitude and phase plots"},
         {"frequency-range", 235, true, "frequency range; [--start F --stop F --steps N]"},
         {"preferences", 246, true,
          "units, precision, thresholds; [--frequency-unit hertz|rad] [--phase-unit degrees|radians]\n"

@@ -50,4 +50,13 @@
 #define IDC_POLEZERO_HEADING    109
 #define IDC_POLEZERO_HELP       9
 
+/* PRX_MARGINS: the gain and phase margins of a Bode run (edits created disabled). */
+#define IDC_MARGIN_PHASE_CROSSOVER  1032
+#define IDC_MARGIN_GAIN             1033
+#define IDC_MARGIN_GAIN_CROSSOVER   1034
+#define IDC_MARGIN_PHASE            105
+
+/* NYQUISTINFINITI: R∞ of the Nyquist detours. */
+#define IDC_NYQUIST_INFINITY    901
+
 #endif

@@ -6,6 +6,7 @@
 #include <cctype>
 #include <cmath>
 
+#include "freq/frequency_response.h"
 #include "host/host.h"
 #include "linearize/linearize.h"
 #include "rlocus/rlocus.h"
@@ -94,6 +95,8 @@ static void frequencyResponseCommand()
         bodePhasePlot = makePlotNode(0, 0);
         bodeMagnitudePlot = makePlotNode(20, 20);
     }
+    frequencyResponse(bodePhasePlot, bodeMagnitudePlot, &frequencyRange, nullptr, nullptr, 0, 0, stateCount(), 0,
+                      samplePeriod);
 }
 
 static void nyquistCommand()
@@ -109,6 +112,7 @@ static void nyquistCommand()
         if (frequencyRange.stop > limit)
             frequencyRange.stop = limit;
     }
+    frequencyResponse(nyquistPlot, nullptr, &frequencyRange, nullptr, nullptr, 0, 0, stateCount(), 1, samplePeriod);
 }
 
 static void transferFunctionCommand(uint8_t dialogs)

@@ -1,0 +1,118 @@
+/*
+** tests/freq/freq_fixture.h: a fresh host with the plug-in for the frequency-response
+** tests: default units and range, two Bode plot blocks, runs on handed-in root lists,
+** and the margins dialog's fields read back from the transcript.
+*/
+#ifndef PRAXA_TESTS_FREQ_FIXTURE_H
+#define PRAXA_TESTS_FREQ_FIXTURE_H
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "freq/frequency_response.h"
+#include "host/host.h"
+#include "hostapp/host_state.h"
+#include "linearize/linearize.h"
+#include "platform/driver.h"
+#include "resources/prxdlg.h"
+#include "shell/plot_output.h"
+#include "shell/praxa.h"
+#include "shell/settings.h"
+#include "support.h"
+#include "xfer/xfer.h"
+
+namespace freqtest {
+
+inline const double PI = 3.141592653589793;
+
+/* Grid frequency k (from 1) of an N-point logarithmic grid from start to stop. */
+inline double gridPoint(int k, int n, double start, double stop)
+{
+    double step = (std::log10(stop) - std::log10(start)) / (n - 1);
+    return std::pow(10.0, std::log10(start) + (k - 1) * step);
+}
+
+class FreqTest : public ::testing::Test {
+protected:
+    testing_support::TempDir dir;
+    HostBlock *phasePlot = nullptr;
+    HostBlock *magnitudePlot = nullptr;
+    StateSpaceModel savedModel{};
+
+    void SetUp() override
+    {
+        testing_support::writeFile(dir.file("tervan.ini"), "");
+        reusePlots = 0;
+        testing_support::startHostWithPlugin(dir.file("tervan.ini"), dir.path);
+        frequencyPlotCount = 0;
+        frequencyRange = {50, 0.1, 100.0};
+        frequencyUnit.selected = FREQUENCY_UNIT_RADIANS;
+        phaseUnit.selected = PHASE_UNIT_DEGREES;
+        magnitudeUnit.selected = MAGNITUDE_UNIT_LOG10;
+        displayPrecision = 6;
+        savedModel = stateSpaceModel;
+        platform::clearTranscript();
+    }
+
+    void TearDown() override
+    {
+        stateSpaceModel = savedModel;
+        bodePhasePlot = bodeMagnitudePlot = nyquistPlot = rootLocusPlot = nullptr;
+        hostapp::resetHost();
+    }
+
+    /* A Bode run of K prod(s - z) / prod(s - p) into two new plots. */
+    void bode(double K, std::vector<Complex> zeros, std::vector<Complex> poles, double samplePeriod = 0.0)
+    {
+        phasePlot = makePlotNode(0, 0);
+        magnitudePlot = makePlotNode(20, 20);
+        currentXfer.gain = K;
+        zeros.push_back({0, 0});    /* room for one more, as the lists handed in have */
+        poles.push_back({0, 0});
+        frequencyResponse(phasePlot, magnitudePlot, &frequencyRange, zeros.data(), poles.data(),
+                          (int32_t)zeros.size() - 1, (int32_t)poles.size() - 1, 1, 0, samplePeriod);
+    }
+
+    static std::vector<double> points(HostBlock *plot, int trace = 0)
+    {
+        const PlotTrace &t = plotRecordOf(plot)->traces[trace];
+        const double *values = (const double *)t.points.items;
+        std::vector<double> result;
+        for (uint32_t i = 0; values && i < t.points.count; i++)
+            result.push_back(values[i]);
+        return result;
+    }
+    std::vector<double> magnitudes() const { return points(magnitudePlot); }
+    std::vector<double> phases() const { return points(phasePlot); }
+
+    /* The text of edit `id` in the n-th "Phase and Gain Margins" dialog of the transcript. */
+    static std::string marginField(int id, int occurrence = 0)
+    {
+        const std::vector<std::string> &lines = platform::transcript();
+        std::string prefix = "  edit " + std::to_string(id) + " \"";
+        for (size_t i = 0; i < lines.size(); i++) {
+            if (lines[i] != "[dialog] Phase and Gain Margins" || occurrence-- > 0)
+                continue;
+            for (size_t j = i + 1; j < lines.size() && lines[j].rfind("  ", 0) == 0; j++)
+                if (lines[j].rfind(prefix, 0) == 0)
+                    return lines[j].substr(prefix.size(), lines[j].find('"', prefix.size()) - prefix.size());
+        }
+        return "<no margins dialog>";
+    }
+    static double marginValue(int id, int occurrence = 0) { return std::atof(marginField(id, occurrence).c_str()); }
+
+    static int marginDialogCount()
+    {
+        int count = 0;
+        for (const std::string &line : platform::transcript())
+            count += line == "[dialog] Phase and Gain Margins";
+        return count;
+    }
+};
+
+}
+
+#endif

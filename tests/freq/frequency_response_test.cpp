@@ -1,0 +1,331 @@
+/*
+** tests/freq/frequency_response_test.cpp: Bode runs point by point against hand-derived
+** responses: the logarithmic grid in both frequency units, the sign of K, points on
+** poles, sampled models, the feed-through substitute, the range checks and their
+** messages, the plot titles and labels, and the Nyquist set-up handed to the curve.
+*/
+#include "freq_fixture.h"
+
+#include <complex>
+#include <cstring>
+
+#include "freq/margins.h"
+#include "hostapp/diagram.h"
+
+using namespace freqtest;
+using testing_support::examplePath;
+using testing_support::matrixFromRows;
+
+namespace {
+
+const char *NEGATIVE_RANGE_MESSAGE =
+    "Start and End frequencies must be positive non-zero values.\n"
+    "Please change them in the Tervan/Praxa Frequency Range settings.";
+const char *ZERO_RANGE_MESSAGE =
+    "You are starting (OR) ending at a frequency of zero.\n"
+    "Instead, try using small values such as 1.0E-4 in the Tervan/Praxa Frequency Range settings.\n";
+
+/* A transcript that holds just the host's message box with this text, byte for byte. */
+std::vector<std::string> messageOnly(const char *text) { return {std::string("[Tervan] ") + text}; }
+
+const std::vector<Complex> TRIPLE_POLE = {{-1, 0}, {-1, 0}, {-1, 0}};
+
+class FrequencyResponse : public FreqTest {
+protected:
+    /* Makes A, B, C, D the linearized model (n states, B and C as columns/rows). */
+    void setModel(uint32_t n, std::initializer_list<double> a, std::initializer_list<double> b,
+                  std::initializer_list<double> c, double d)
+    {
+        stateSpaceModel.A = matrixFromRows(n, n, a);
+        stateSpaceModel.B = matrixFromRows(n, 1, b);
+        stateSpaceModel.C = matrixFromRows(1, n, c);
+        stateSpaceModel.D = matrixFromRows(1, 1, {d});
+    }
+    void bodeOfModel(int32_t order)
+    {
+        phasePlot = makePlotNode(0, 0);
+        magnitudePlot = makePlotNode(20, 20);
+        frequencyResponse(phasePlot, magnitudePlot, &frequencyRange, nullptr, nullptr, 0, 0, order, 0, 0.0);
+    }
+    void TearDown() override
+    {
+        for (Matrix *m : {stateSpaceModel.A, stateSpaceModel.B, stateSpaceModel.C, stateSpaceModel.D})
+            if (m != savedModel.A && m != savedModel.B && m != savedModel.C && m != savedModel.D)
+                gfree(m);
+        FreqTest::TearDown();
+    }
+};
+
+TEST_F(FrequencyResponse, OneStepOrNoStatesTitlesThePlotsAndComputesNothing)
+{
+    frequencyRange.steps = 1;
+    bode(2.0, {}, TRIPLE_POLE);
+    PlotRecord *phase = plotRecordOf(phasePlot), *magnitude = plotRecordOf(magnitudePlot);
+    EXPECT_STREQ(phase->title, "Bode-Phase1");
+    EXPECT_STREQ(magnitude->title, "Bode-Magnitude1");
+    EXPECT_STREQ(phase->yLabel, "Phase, (Deg)");
+    EXPECT_STREQ(phase->traces[0].label, "Phase");
+    EXPECT_STREQ(magnitude->traces[0].label, "Magnitude");
+    EXPECT_EQ(magnitude->traces[0].points.count, 1u);
+    EXPECT_TRUE(std::isnan(magnitudes().at(0))) << "nothing is written";
+    EXPECT_EQ(platform::transcriptText(), "") << "no message, no margins, no plot shown";
+
+    frequencyRange.steps = 50;
+    phaseUnit.selected = PHASE_UNIT_RADIANS;
+    bodeOfModel(0);
+    EXPECT_STREQ(plotRecordOf(phasePlot)->title, "Bode-Phase2");
+    EXPECT_STREQ(plotRecordOf(phasePlot)->yLabel, "Phase, (Radians)");
+    EXPECT_EQ(magnitudes().size(), 50u);
+    EXPECT_TRUE(std::isnan(magnitudes().at(0)));
+    EXPECT_EQ(platform::transcriptText(), "");
+
+    /* A negative step count reserves nothing and is not swept either. */
+    frequencyRange.steps = -4;
+    bode(2.0, {}, TRIPLE_POLE);
+    EXPECT_EQ(platform::transcriptText(), "");
+}
+
+TEST_F(FrequencyResponse, NamedTracesKeepTheirNames)
+{
+    phasePlot = makePlotNode(0, 0);
+    magnitudePlot = makePlotNode(20, 20);
+    std::strcpy(plotRecordOf(phasePlot)->traces[0].label, "angle");
+    std::strcpy(plotRecordOf(magnitudePlot)->traces[0].label, "gain");
+    currentXfer.gain = 1.0;
+    Complex pole[2] = {{-1, 0}, {0, 0}};
+    frequencyResponse(phasePlot, magnitudePlot, &frequencyRange, nullptr, pole, 0, 1, 1, 0, 0.0);
+    EXPECT_STREQ(plotRecordOf(phasePlot)->traces[0].label, "angle");
+    EXPECT_STREQ(plotRecordOf(magnitudePlot)->traces[0].label, "gain");
+}
+
+TEST_F(FrequencyResponse, NegativeEndsAreReportedBeforeZeroEnds)
+{
+    frequencyRange = {50, -1.0, 0.0};
+    bode(2.0, {}, TRIPLE_POLE);
+    EXPECT_EQ(platform::transcript(), messageOnly(NEGATIVE_RANGE_MESSAGE));
+    EXPECT_STREQ(plotRecordOf(phasePlot)->title, "Bode-Phase1") << "the plots are set up before the checks";
+    EXPECT_TRUE(std::isnan(magnitudes().at(0)));
+
+    platform::clearTranscript();
+    frequencyRange = {50, 0.1, -100.0};
+    bode(2.0, {}, TRIPLE_POLE);
+    EXPECT_EQ(platform::transcript(), messageOnly(NEGATIVE_RANGE_MESSAGE));
+
+    for (RangeSettings range : {RangeSettings{50, 0.0, 100.0}, RangeSettings{50, 0.1, 0.0}}) {
+        platform::clearTranscript();
+        frequencyRange = range;
+        bode(2.0, {}, TRIPLE_POLE);
+        EXPECT_EQ(platform::transcript(), messageOnly(ZERO_RANGE_MESSAGE));
+        EXPECT_TRUE(std::isnan(magnitudes().at(0)));
+        EXPECT_EQ(marginDialogCount(), 0);
+    }
+}
+
+TEST_F(FrequencyResponse, DefaultGridRunsFromPointOneToOneHundred)
+{
+    bode(2.0, {}, TRIPLE_POLE);
+    std::vector<double> m = magnitudes(), p = phases();
+    ASSERT_EQ(m.size(), 50u);
+    ASSERT_EQ(p.size(), 50u);
+    PlotRecord *plot = plotRecordOf(magnitudePlot);
+    EXPECT_EQ(plot->pointCount, 50u);
+    EXPECT_EQ(plot->sweepStart, 0.1);
+    EXPECT_EQ(plot->sweepStop, 100.0);
+    for (int k = 1; k <= 50; k++) {
+        double w = gridPoint(k, 50, 0.1, 100.0);
+        SCOPED_TRACE(k);
+        EXPECT_NEAR(m[k - 1], 2.0 / std::pow(1 + w * w, 1.5), 1e-12 * m[k - 1]);
+        EXPECT_NEAR(p[k - 1], -3.0 * std::atan(w) * 180.0 / PI, 1e-9);
+    }
+    /* First point at 0.1, last at 100. */
+    EXPECT_NEAR(m[0], 2.0 / std::pow(1.01, 1.5), 1e-14);
+    EXPECT_NEAR(m[49], 2.0 / std::pow(10001.0, 1.5), 1e-18);
+    EXPECT_NEAR(p[49], -3.0 * std::atan(100.0) * 180.0 / PI, 1e-9);
+}
+
+TEST_F(FrequencyResponse, HertzGridIsEvaluatedAtTwoPiTimesTheFrequency)
+{
+    frequencyUnit.selected = FREQUENCY_UNIT_HERTZ;
+    bode(2.0, {}, TRIPLE_POLE);
+    PlotRecord *plot = plotRecordOf(magnitudePlot);
+    EXPECT_STREQ(plot->xLabel, "Frequency, (Hz)");
+    EXPECT_EQ(plot->sweepStart, 0.1) << "the axis stays in Hertz";
+    EXPECT_EQ(plot->sweepStop, 100.0);
+    std::vector<double> m = magnitudes();
+    for (int k : {1, 17, 50}) {
+        double w = 2 * PI * gridPoint(k, 50, 0.1, 100.0);
+        EXPECT_NEAR(m[k - 1], 2.0 / std::pow(1 + w * w, 1.5), 1e-12 * m[k - 1]) << k;
+    }
+}
+
+TEST_F(FrequencyResponse, NegativeGainShiftsThePhaseByHalfATurn)
+{
+    bode(2.0, {{-3, 0}}, TRIPLE_POLE);
+    std::vector<double> m = magnitudes(), p = phases();
+    bode(-2.0, {{-3, 0}}, TRIPLE_POLE);
+    std::vector<double> mNegative = magnitudes(), pNegative = phases();
+    for (size_t i = 0; i < 50; i++) {
+        EXPECT_EQ(mNegative[i], m[i]);
+        EXPECT_NEAR(pNegative[i] - p[i], 180.0, 1e-9);
+    }
+    phaseUnit.selected = PHASE_UNIT_RADIANS;
+    bode(-2.0, {{-3, 0}}, TRIPLE_POLE);
+    EXPECT_NEAR(phases()[0] - p[0] * PI / 180.0, PI, 1e-12);
+}
+
+TEST_F(FrequencyResponse, PointsOnPolesTakeTheirNeighboursMagnitude)
+{
+    /* An integrator with start > 0: no point on it. */
+    bode(1.0, {}, {{0, 0}});
+    for (int k = 1; k <= 50; k++)
+        EXPECT_NEAR(magnitudes()[k - 1], 1.0 / gridPoint(k, 50, 0.1, 100.0), 1e-12 / gridPoint(k, 50, 0.1, 100.0));
+
+    /* Poles at +-10j on the grid 1, 3.16, 10, 31.6, 100: point 3 lies on one of them. */
+    frequencyRange = {5, 1.0, 100.0};
+    bode(1.0, {}, {{0, 10}, {0, -10}, {-1, 0}});
+    std::vector<double> m = magnitudes();
+    double w2 = gridPoint(2, 5, 1.0, 100.0);
+    EXPECT_NEAR(m[1], 1.0 / (std::fabs(100 - w2 * w2) * std::sqrt(1 + w2 * w2)), 1e-15);
+    EXPECT_EQ(m[2], m[1]);
+    EXPECT_NEAR(m[3], 1.0 / (std::fabs(100 - 1000.0) * std::sqrt(1001.0)), 1e-15);
+
+    /* On the first point: it takes the second point's magnitude. */
+    bode(1.0, {}, {{0, 1}, {0, -1}});
+    m = magnitudes();
+    EXPECT_NEAR(m[1], 1.0 / (w2 * w2 - 1), 1e-15);
+    EXPECT_EQ(m[0], m[1]);
+    for (double v : m)
+        EXPECT_GT(v, 0.0);
+}
+
+TEST_F(FrequencyResponse, SampledResponseRepeatsWithPeriodTwoPiOverT)
+{
+    /* G(z) = 0.5 (z + 0.2) / (z - 0.5) with T = 0.1 s: period 2 pi / T = 62.83 rad/s.
+    ** Two points (start and stop) on each of two ranges one period apart. */
+    const double T = 0.1, period = 2 * PI / T;
+    std::vector<Complex> zeros = {{-0.2, 0}}, poles = {{0.5, 0}};
+    frequencyRange = {2, 1.0, 2.0};
+    bode(0.5, zeros, poles, T);
+    std::vector<double> m = magnitudes(), p = phases();
+    frequencyRange = {2, 1.0 + period, 2.0 + period};
+    bode(0.5, zeros, poles, T);
+    std::vector<double> mShifted = magnitudes(), pShifted = phases();
+    for (int i = 0; i < 2; i++) {
+        double w = i == 0 ? 1.0 : 2.0;
+        std::complex<double> z = std::polar(1.0, w * T);
+        std::complex<double> g = 0.5 * (z + 0.2) / (z - 0.5);
+        EXPECT_NEAR(m[i], std::abs(g), 1e-12);
+        EXPECT_NEAR(p[i], std::arg(g) * 180 / PI, 1e-9);
+        EXPECT_NEAR(mShifted[i], m[i], 1e-10);
+        EXPECT_NEAR(pShifted[i], p[i], 1e-8);
+    }
+}
+
+TEST_F(FrequencyResponse, WithoutAPathThroughTheStatesTheResponseIsTheFeedThrough)
+{
+    for (double d : {3.0, -3.0, 0.0}) {
+        SCOPED_TRACE(d);
+        platform::clearTranscript();
+        setModel(2, {-1, 0, 0, -2}, {0, 0}, {0, 0}, d);
+        bodeOfModel(2);
+        for (double v : magnitudes())
+            EXPECT_DOUBLE_EQ(v, std::fabs(d));
+        for (double v : phases())
+            EXPECT_NEAR(v, d < 0 ? 180.0 : 0.0, 1e-12);
+        EXPECT_EQ(platform::transcriptText().find("Zero C"), std::string::npos) << "no zeros are computed";
+        EXPECT_EQ(marginDialogCount(), 1);
+    }
+}
+
+TEST_F(FrequencyResponse, ModelFactorsComeFromItsZerosPolesAndGain)
+{
+    /* x1' = x2, x2' = -2 x1 - 3 x2 + u, y = 4 x1 + x2: (s + 4) / ((s + 1)(s + 2)). */
+    setModel(2, {0, 1, -2, -3}, {0, 1}, {4, 1}, 0.0);
+    bodeOfModel(2);
+    std::vector<double> m = magnitudes(), p = phases();
+    for (int k : {1, 20, 50}) {
+        double w = gridPoint(k, 50, 0.1, 100.0);
+        SCOPED_TRACE(k);
+        EXPECT_NEAR(m[k - 1], std::sqrt((16 + w * w) / ((1 + w * w) * (4 + w * w))), 1e-9);
+        EXPECT_NEAR(p[k - 1], (std::atan(w / 4) - std::atan(w) - std::atan(w / 2)) * 180 / PI, 1e-7);
+    }
+}
+
+/* Through the menu commands on the servo example (reuse off). */
+class FrequencyCommands : public FreqTest {
+protected:
+    void load(const std::string &example)
+    {
+        std::string error;
+        ASSERT_TRUE(hostapp::loadDiagramFile(examplePath(example), error)) << error;
+        ASSERT_TRUE(hostapp::applyDiagramReferencePoints(error)) << error;
+        platform::clearTranscript();
+    }
+};
+
+TEST_F(FrequencyCommands, BodePairsAreNumberedAndANyquistRunInBetweenDoesNotAdvance)
+{
+    load("servo.json");
+    ASSERT_EQ(praxaCmd(242), 1);
+    EXPECT_STREQ(plotRecordOf(bodePhasePlot)->title, "Bode-Phase1");
+    EXPECT_STREQ(plotRecordOf(bodeMagnitudePlot)->title, "Bode-Magnitude1");
+    ASSERT_EQ(praxaCmd(250), 1);
+    PlotRecord *nyquist = plotRecordOf(nyquistPlot);
+    EXPECT_STREQ(nyquist->title, "Nyquist1");
+    ASSERT_EQ(praxaCmd(242), 1);
+    EXPECT_STREQ(plotRecordOf(bodePhasePlot)->title, "Bode-Phase2");
+    EXPECT_STREQ(plotRecordOf(bodeMagnitudePlot)->title, "Bode-Magnitude2");
+    EXPECT_EQ(marginDialogCount(), 2) << "a Nyquist run shows no margins";
+}
+
+TEST_F(FrequencyCommands, NyquistPlotIsPreparedAndGetsItsFrequencies)
+{
+    load("servo.json");
+    ASSERT_EQ(praxaCmd(250), 1);
+    PlotRecord *plot = plotRecordOf(nyquistPlot);
+    EXPECT_EQ(plot->flagsA & PLOT_A_FIXED_SWEEP, PLOT_A_FIXED_SWEEP);
+    EXPECT_EQ(plot->flagsD & PLOT_D_NYQUIST, PLOT_D_NYQUIST);
+    EXPECT_STREQ(plot->yLabel, "");
+    EXPECT_STREQ(plot->traces[0].label, "Real");
+    EXPECT_STREQ(plot->traces[1].label, "Imaginary");
+    ASSERT_NE(plot->paramInfo, nullptr);
+    EXPECT_NE(plot->paramInfo->parameters, nullptr);
+    EXPECT_EQ(plot->paramInfo->poleCount, 0);
+    EXPECT_EQ(plot->paramInfo->zeroBranches, nullptr);
+    EXPECT_EQ(frequencyPlotCount, 0);
+    EXPECT_EQ(marginDialogCount(), 0);
+}
+
+TEST_F(FrequencyCommands, SampledNyquistGetsAtLeastAThousandPointsAndNoFrequencies)
+{
+    testing_support::writeFile(dir.file("tervan.ini"), "[tervan]\nfreqStart=0.00001\nfreqSteps=20\n");
+    load("sampled_loop.json");
+    ASSERT_EQ(praxaCmd(250), 1);
+    EXPECT_EQ(frequencyRange.start, 1e-4);
+    EXPECT_EQ(frequencyRange.stop, 2 * PI);
+    EXPECT_EQ(frequencyRange.steps, 1000);
+    PlotRecord *plot = plotRecordOf(nyquistPlot);
+    EXPECT_EQ(plot->pointCount, 1000u);
+    EXPECT_EQ(plot->traces[0].points.count, 1000u);
+    EXPECT_EQ(plot->traces[1].points.count, 1000u);
+    EXPECT_GE(plot->traces[1].points.capacity, 1000u);
+    EXPECT_EQ(plot->paramInfo, nullptr);
+    EXPECT_EQ(plot->flagsA & PLOT_A_FIXED_SWEEP, PLOT_A_FIXED_SWEEP);
+}
+
+TEST_F(FrequencyCommands, SampledBodeOfTheSpeedLoop)
+{
+    /* Open loop (0.5 z - 0.4)/(z - 1) * b/(z - a), a = e^-0.1, b = 1 - a, on the unit circle. */
+    load("sampled_loop.json");
+    ASSERT_EQ(praxaCmd(242), 1);
+    std::vector<double> m = points(bodeMagnitudePlot);
+    ASSERT_EQ(m.size(), 50u);
+    const double a = std::exp(-0.1), b = 1 - a;
+    for (int k : {1, 25, 50}) {
+        std::complex<double> z = std::polar(1.0, gridPoint(k, 50, 0.1, 100.0) * 0.1);
+        std::complex<double> g = (0.5 * z - 0.4) / (z - 1.0) * b / (z - a);
+        EXPECT_NEAR(m[k - 1], std::abs(g), 1e-6 * std::abs(g)) << k;
+    }
+}
+
+}
