@@ -324,14 +324,12 @@ static void sweep(PlotRecord *plot, double *parameters, int32_t steps, int32_t n
     int same = 0;
     for (int32_t i = 1; i <= steps; ++i) {
         double lastK = recordedK;
-        /* A branch has run far out: the remaining steps repeat the gain of the step just
-        ** computed, so the branches stop where they crossed twice the box size.  (Going on
-        ** at K + dK would add one more step of the grown size, often several times the
-        ** gain, and that one point would set the extent of the plot.) */
+        /* A branch has run far out: the remaining steps all repeat the current gain (the
+        ** step already advanced to), so the branches stop growing. */
         if (extent > 2.0 * S) {
             for (int32_t j = i; j <= steps; ++j) {
-                rootLocusStep(plot, j - 1, lastK);
-                parameters[j - 1] = lastK;
+                rootLocusStep(plot, j - 1, K);
+                parameters[j - 1] = K;
             }
             return;
         }

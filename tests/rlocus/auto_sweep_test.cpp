@@ -50,9 +50,9 @@ TEST_F(AutoSweep, AdaptedStepsSitOnTheClosedLoopRootsOfTheirGains)
 
 TEST_F(AutoSweep, GainIsHeldOnceTheLocusSpreadsBeyondTwiceTheBox)
 {
-    /* K/(s(s+1)(s+2)): S = 4; from step 20 on the extent is tracked, and once it exceeds 8
-    ** every remaining step repeats the gain of the step that crossed, so the branches stop
-    ** there. */
+    /* K/(s(s+1)(s+2)): S = 4; from step 20 on the extent is tracked, and once a step takes
+    ** it beyond 8 every remaining step repeats the gain already advanced to, so the
+    ** branches stop growing. */
     useLoop({1}, {0, 2, 3});
     double extreme = run();
     std::vector<double> K = gains();
@@ -62,16 +62,17 @@ TEST_F(AutoSweep, GainIsHeldOnceTheLocusSpreadsBeyondTwiceTheBox)
     ASSERT_LT(crossed, 49) << "the gain is held over the last steps";
     ASSERT_GT(crossed, 20);
     double before = 0.0, through = 0.0;
-    for (int s = 19; s <= crossed; ++s)
+    for (int s = 19; s < crossed; ++s)
         for (int j = 0; j < 3; ++j) {
             Complex p = branch(j)[s];
             double spread = std::max(std::fabs(p.re), std::fabs(p.im));
             through = std::max(through, spread);
-            if (s < crossed)
+            if (s < crossed - 1)
                 before = std::max(before, spread);
         }
-    EXPECT_GT(through, 8.0);
+    EXPECT_GT(through, 8.0) << "the step before the held ones crossed twice the box";
     EXPECT_LE(before, 8.0);
+    EXPECT_GT(K[crossed], K[crossed - 1]) << "the held gain is the one already advanced to";
     for (int j = 0; j < 3; ++j)
         for (int s = crossed; s < 50; ++s) {
             EXPECT_EQ(branch(j)[s].re, branch(j)[crossed].re);
