@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds Praxa and runs the main job on the bundled servo diagram: the linearized model
-# is written to out/servo.m and the transfer function dialogs are printed.
+# goes to out/servo.m, the transfer function and margins dialogs are printed, and the
+# Bode and root locus plots are written to out/ as SVG files.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/build.sh
