@@ -11,13 +11,14 @@
 static const double LEAST_INFINITY = 2.0;
 
 /* OK: a value below 2 is refused and the dialog stays open.  A text that reads as NaN
-** is refused the same way (it would leave every detour undefined). */
+** is not below 2 and is taken: no crossing test then holds, so each detour reaches
+** halfway to the next pole. */
 static void acceptInfinity(HWND dialog)
 {
     char text[65];
     GetDlgItemTextA(dialog, IDC_NYQUIST_INFINITY, text, sizeof text);
     double value = std::atof(text);
-    if (!(value >= LEAST_INFINITY)) {
+    if (value < LEAST_INFINITY) {
         MessageBoxA(dialog, " The value for infinity must be >= 2", "Error", MB_OK);
         return;
     }
