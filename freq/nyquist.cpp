@@ -197,11 +197,11 @@ double *nyquistResponse(int32_t zeroCount, int32_t poleCount, Complex *poles, Co
 void prepareSampledNyquist(PlotRecord *plot)
 {
     nyquistInfinity = DEFAULT_INFINITY;
-    /* Written so that a NaN or infinite stop or start (a settings file may hold one) also
-    ** ends at the clamp. */
-    if (!(frequencyRange.stop >= SAMPLED_LOWEST) || !std::isfinite(frequencyRange.stop))
+    /* A NaN end (a settings file may hold one) is not below the clamp and stays: its
+    ** points are undefined, and every loop below is counted. */
+    if (frequencyRange.stop < SAMPLED_LOWEST)
         frequencyRange.stop = 1.0;
-    if (!(frequencyRange.start >= SAMPLED_LOWEST) || !std::isfinite(frequencyRange.start))
+    if (frequencyRange.start < SAMPLED_LOWEST)
         frequencyRange.start = SAMPLED_LOWEST;
     if (frequencyRange.steps < LEAST_STEPS)
         frequencyRange.steps = LEAST_STEPS;

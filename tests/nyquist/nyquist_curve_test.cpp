@@ -409,8 +409,20 @@ TEST_F(NyquistTest, SampledModelInHertzAndItsRangeClamps)
     EXPECT_EQ(frequencyRange.stop, 1.0);
     EXPECT_EQ(frequencyRange.steps, 1000);
 
-    frequencyRange = {10, std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::quiet_NaN()};
+    /* A NaN end is neither below 1e-4 nor raised: the curve is undefined, the run ends. */
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    frequencyRange = {10, nan, nan};
     prepareSampledNyquist(plot);
-    EXPECT_EQ(frequencyRange.start, 1e-4);
-    EXPECT_EQ(frequencyRange.stop, 1.0);
+    EXPECT_TRUE(std::isnan(frequencyRange.start));
+    EXPECT_TRUE(std::isnan(frequencyRange.stop));
+    EXPECT_EQ(frequencyRange.steps, 1000);
+    ASSERT_EQ(count(), 1000u);
+    nyquistResponseSampled(0, 1, poles.data(), nullptr, (double *)plot->traces[0].points.items,
+                           (double *)plot->traces[1].points.items, 1.0, 1.0);
+    EXPECT_TRUE(std::isnan(X(1)) && std::isnan(Y(1000)));
+
+    frequencyRange = {10, std::numeric_limits<double>::infinity(), 0.5};
+    prepareSampledNyquist(plot);
+    EXPECT_EQ(frequencyRange.start, std::numeric_limits<double>::infinity());
+    EXPECT_EQ(frequencyRange.stop, 0.5);
 }
