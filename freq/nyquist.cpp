@@ -36,17 +36,17 @@ void nyquistPoint(Complex s, const NyquistSystem &system, double *x, double *y)
 }
 
 /* The automatic range (in the frequency unit's numbers) from the root magnitudes.
-** The clamps are written so that a NaN magnitude (a failed root computation) also
-** ends at a clamp: every logarithm below then has a positive finite argument. */
+** A NaN magnitude (a failed root computation) is neither larger nor smaller than a
+** clamp and stays: the curve is then undefined, but every loop on it is counted. */
 static void automaticRange(const NyquistSystem &system)
 {
     double stop = 10.0 * maxRootMagnitude(system.poles, system.zeros, system.poleCount, system.zeroCount);
-    if (!(stop <= HIGHEST_STOP))
+    if (stop > HIGHEST_STOP)
         stop = HIGHEST_STOP;
     if (stop < LOWEST_STOP)
         stop = LOWEST_STOP;
     double start = 1e-5 * minRootMagnitude(system.poles, system.zeros, system.poleCount, system.zeroCount);
-    if (!(start >= LOWEST_START))
+    if (start < LOWEST_START)
         start = LOWEST_START;
     frequencyRange.start = start;
     frequencyRange.stop = stop;

@@ -132,6 +132,16 @@ TEST_F(NyquistTest, RangeEndsAtTheirClampsForSmallRootsAndAZeroAtTheOrigin)
         EXPECT_EQ(X(p), 3.0);
         EXPECT_EQ(Y(p), 0.0);
     }
+
+    /* A NaN root (a failed root computation) gives NaN ends, which no clamp compares
+    ** with: the curve is undefined, but the run draws its 1000 points and ends. */
+    poles = {{std::numeric_limits<double>::quiet_NaN(), 0}, {-1, 0}};
+    gfree(W);
+    run(1.0, 1.0);
+    EXPECT_TRUE(std::isnan(frequencyRange.start));
+    EXPECT_TRUE(std::isnan(frequencyRange.stop));
+    EXPECT_EQ(count(), 1000u);
+    EXPECT_TRUE(std::isnan(X(1000)));
 }
 
 /* ---- Detours around imaginary-axis poles ------------------------------------- */
