@@ -89,7 +89,7 @@ static void plainCurve(const NyquistSystem &system, int32_t total, double unitFa
 ** segment shrinks towards the start instead of filling the curve with NaN. */
 static double segmentLog(double frequency)
 {
-    if (!(frequency > 0.0) || !std::isfinite(frequency))
+    if (frequency <= 0.0)
         frequency = frequencyRange.start;
     return std::log10(frequency);
 }

@@ -367,6 +367,15 @@ TEST_F(NyquistTest, DetourWiderThanItsPoleFrequencyLeavesNoUndefinedPoint)
     for (int p = 1; p <= 1000; p++)
         ASSERT_TRUE(std::isfinite(W[p]) && std::isfinite(X(p)) && std::isfinite(Y(p))) << p;
     expectAscending(W, 1, 1000);
+
+    /* Only zero or negative ends are taken as the start: a pole at j·infinity makes the
+    ** detour and the ends beside it undefined (not the start), and the run still ends. */
+    gfree(W);
+    poles = {{0, std::numeric_limits<double>::infinity()}, {-1, 0}};
+    run(1.0, 1.0);
+    EXPECT_EQ(frequencyRange.start, 1e-5);
+    ASSERT_EQ(count(), 1500u);
+    EXPECT_EQ(std::count_if(W + 1, W + 1501, [](double w) { return std::isnan(w); }), 1500);
 }
 
 /* ---- The sampled model ------------------------------------------------------- */
