@@ -56,6 +56,8 @@ static void setupBodePlots(PlotRecord *phasePlot, PlotRecord *magnitudePlot, con
     reserveTrace(phasePlot, 0, range->steps);
 }
 
+/* The two Nyquist bits (0x02 of flags A, 0x20 of flags D) mean what the host makes of
+** them; the plug-in only sets them (setupFrequencyPlot then copies the fixed sweep). */
 static void setupNyquistPlot(PlotRecord *plot, const RangeSettings *range)
 {
     plot->flagsA |= PLOT_A_FIXED_SWEEP;
