@@ -104,6 +104,23 @@ TEST_F(Margins, MagnitudeExactlyOneAtAGridPointCountsOnBothSteps)
     EXPECT_EQ(marginField(IDC_MARGIN_PHASE_CROSSOVER), "1e+006");
 }
 
+TEST_F(Margins, MarkerOnTheFirstPointReachesTheTrackerBeforePointOneIsReplaced)
+{
+    /* 1e5 / (s^2 + 1) on 1, 3.16, 10, 31.6, 100: point 1 lies on the pole j1 and is handed
+    ** over as -1000; at point 2 (|G| = 1e5 / 9) it takes point 2's magnitude, but the step
+    ** from -1000 up to 11111 has already crossed 1. |G| stays above 1 afterwards. */
+    frequencyRange = {5, 1.0, 100.0};
+    bode(1e5, {}, {{0, 1}, {0, -1}});
+    EXPECT_EQ(magnitudes().at(0), magnitudes().at(1));
+    EXPECT_EQ(marginResults.gainCrossoverFreq, 1.0);
+    /* Phase at point 1: atan2(0, 0) - atan2(2, 0) = -pi/2, so the margin is +90 degrees. */
+    EXPECT_NEAR(marginResults.phaseMargin, 90.0, 1e-12);
+    /* Every later phase is exactly -pi: the last step wins, at point 4. */
+    double w4 = gridPoint(4, 5, 1.0, 100.0);
+    EXPECT_EQ(marginResults.phaseCrossoverFreq, w4);
+    EXPECT_NEAR(marginResults.gainMargin, 1e5 / (w4 * w4 - 1), 1e-9);
+}
+
 TEST_F(Margins, PhaseExactlyMinusPiAtAGridPointCounts)
 {
     /* 1 / s^2: the phase is exactly -pi (two times atan2(w, 0)) on every point. */
