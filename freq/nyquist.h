@@ -76,8 +76,8 @@ void infinityArc(double omega0, double rho, int32_t halfCount, int32_t firstPosi
 void sortCurveBlocks(double *W, double *Y, double *X, int32_t total, int32_t blockSize);
 
 extern "C" {
-/* NYQUISTINFINITI: shows R∞ in edit 901; OK takes a value of at least 2 (ends with 1),
-** a smaller one is refused with an "Error" box; Esc ends with 2 and keeps R∞. */
+/* NYQUISTINFINITI: shows R∞ in edit 901; OK refuses a value below 2 with an "Error"
+** box and otherwise takes it (ends with 1); Esc ends with 2 and keeps R∞. */
 INT_PTR nyqustInfinitiDlg(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 }
 
