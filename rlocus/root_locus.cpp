@@ -134,9 +134,13 @@ static double slope(double dy, double dx)
 
 /* A branch that has just left the real axis at step s: its point at s - 1 moves to the
 ** real value of its point at s, and so does that of its mirror image.  False when the
-** mirror image is not found. */
+** mirror image is not found; the branch's own point has moved all the same. */
 static bool snapBreakAway(PlotRecord *plot, int32_t n, int32_t branch, int32_t s)
 {
+    PlotPointBuffer *x = pointBuffer(plot, branch, 0);
+    if (!x || !x->values)
+        return false;
+    x->values[s - 1] = x->values[s];
     Complex here = branchPoint(plot, branch, s);
     int32_t mirror = -1;
     for (int32_t m = 0; m < n && mirror < 0; ++m) {
@@ -148,11 +152,7 @@ static bool snapBreakAway(PlotRecord *plot, int32_t n, int32_t branch, int32_t s
     }
     if (mirror < 0)
         return false;
-    PlotPointBuffer *x = pointBuffer(plot, branch, 0);
     PlotPointBuffer *mirrorX = pointBuffer(plot, mirror, 0);
-    if (!x || !mirrorX)
-        return false;
-    x->values[s - 1] = x->values[s];
     mirrorX->values[s - 1] = mirrorX->values[s];
     return true;
 }
