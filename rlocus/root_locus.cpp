@@ -252,16 +252,10 @@ void endLocusRun()
     st.autoCompanion = nullptr;
 }
 
-/* A fresh PlotParamInfo with room for the gain of every step.  The record this plot had
-** from an earlier run was attached here too (zeroed, so its zero-branch pointer is null
-** or ours) and is released rather than left behind. */
+/* A fresh PlotParamInfo with room for the gain of every step.  A record the plot holds
+** from an earlier run belongs to the plot (the host) and is left to it, not freed here. */
 static PlotParamInfo *attachParamInfo(PlotRecord *plot, int32_t steps)
 {
-    if (PlotParamInfo *old = plot->paramInfo) {
-        gfree(old->parameters);
-        gfree(old->zeroBranches);
-        gfree(old);
-    }
     PlotParamInfo *info = (PlotParamInfo *)galloc(sizeof(PlotParamInfo));
     std::memset(info, 0, sizeof *info);
     info->parameters = (double *)galloc(sizeof(double) * (size_t)steps);
