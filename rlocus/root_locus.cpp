@@ -214,7 +214,11 @@ static void sizeStepBuffers(int32_t n)
         return;
     st.closedLoop = (double *)grealloc(st.closedLoop, sizeof(double) * (size_t)(n + 2));
     st.companion = matReDecl(st.companion, (uint32_t)n, (uint32_t)n);
+    int32_t keptRoots = st.capacity > 0 ? st.capacity + 3 : 0;
     st.roots = (Complex *)grealloc(st.roots, sizeof(Complex) * (size_t)(n + 3));
+    /* Entries no step has written yet (a degree below n) read as the origin; the others
+    ** are kept, from run to run as well. */
+    std::fill(st.roots + keptRoots, st.roots + n + 3, Complex{0.0, 0.0});
     st.previous = (Complex *)grealloc(st.previous, sizeof(Complex) * (size_t)n);
     st.capacity = n;
 }
@@ -227,8 +231,6 @@ void beginLocusRun(const double *num, const double *den, int32_t n, double gain)
     st.denominator = den;
     st.gain = gain;
     sizeStepBuffers(n);
-    /* Roots a step does not find (a degree below n) read as the origin at first. */
-    std::fill(st.roots, st.roots + n + 3, Complex{0.0, 0.0});
     st.autoNumerator = (double *)galloc(sizeof(double) * (size_t)(n + 1));
     st.autoDenominator = (double *)galloc(sizeof(double) * (size_t)(n + 1));
     std::copy(num, num + n + 1, st.autoNumerator);
