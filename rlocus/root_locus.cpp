@@ -53,6 +53,8 @@ void storeLocusPoint(PlotRecord *plot, int32_t branch, int32_t step, Complex roo
         if ((uint32_t)step >= buffer->capacity || !buffer->values) {
             uint32_t oldCapacity = buffer->values ? buffer->capacity : 0;
             uint32_t capacity = buffer->capacity;
+            /* By 128 points, as often as it takes: one addition alone would leave a step
+            ** more than 128 beyond the buffer outside it. */
             while ((uint32_t)step >= capacity)
                 capacity += BUFFER_GROWTH;
             buffer->values = (double *)grealloc(buffer->values, sizeof(double) * (uint64_t)capacity);
