@@ -261,6 +261,8 @@ void endLocusRun()
 static PlotParamInfo *attachParamInfo(PlotRecord *plot, int32_t steps)
 {
     PlotParamInfo *info = (PlotParamInfo *)galloc(sizeof(PlotParamInfo));
+    /* Zeroed whole: the zero-branch pointer stays null unless zeros are assigned, and the
+    ** host's own last 16 bytes hold no stray values. */
     std::memset(info, 0, sizeof *info);
     info->parameters = (double *)galloc(sizeof(double) * (size_t)steps);
     std::fill(info->parameters, info->parameters + steps, 0.0);
