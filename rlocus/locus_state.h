@@ -43,7 +43,8 @@ extern RootLocusState rootLocusState;
 
 /* Sets rootLocusState up for a run of order n (1 ... ROOT_LOCUS_MAX_BRANCHES) over num and
 ** den (ascending, n + 1 each, the caller's) with the transfer-function gain: the step
-** buffers enlarged and cleared, the auto buffers allocated with copies of num and den. */
+** buffers enlarged (the roots keep what earlier steps and runs left there), the auto
+** buffers allocated with copies of num and den. */
 void beginLocusRun(const double *num, const double *den, int32_t n, double gain);
 /* Releases the auto buffers of the run; the step buffers stay for the next one. */
 void endLocusRun();

@@ -53,6 +53,8 @@ void storeLocusPoint(PlotRecord *plot, int32_t branch, int32_t step, Complex roo
         if ((uint32_t)step >= buffer->capacity || !buffer->values) {
             uint32_t oldCapacity = buffer->values ? buffer->capacity : 0;
             uint32_t capacity = buffer->capacity;
+            /* By 128 points, as often as it takes: one addition alone would leave a step
+            ** more than 128 beyond the buffer outside it. */
             while ((uint32_t)step >= capacity)
                 capacity += BUFFER_GROWTH;
             buffer->values = (double *)grealloc(buffer->values, sizeof(double) * (uint64_t)capacity);
@@ -134,9 +136,13 @@ static double slope(double dy, double dx)
 
 /* A branch that has just left the real axis at step s: its point at s - 1 moves to the
 ** real value of its point at s, and so does that of its mirror image.  False when the
-** mirror image is not found. */
+** mirror image is not found; the branch's own point has moved all the same. */
 static bool snapBreakAway(PlotRecord *plot, int32_t n, int32_t branch, int32_t s)
 {
+    PlotPointBuffer *x = pointBuffer(plot, branch, 0);
+    if (!x || !x->values)
+        return false;
+    x->values[s - 1] = x->values[s];
     Complex here = branchPoint(plot, branch, s);
     int32_t mirror = -1;
     for (int32_t m = 0; m < n && mirror < 0; ++m) {
@@ -148,11 +154,7 @@ static bool snapBreakAway(PlotRecord *plot, int32_t n, int32_t branch, int32_t s
     }
     if (mirror < 0)
         return false;
-    PlotPointBuffer *x = pointBuffer(plot, branch, 0);
     PlotPointBuffer *mirrorX = pointBuffer(plot, mirror, 0);
-    if (!x || !mirrorX)
-        return false;
-    x->values[s - 1] = x->values[s];
     mirrorX->values[s - 1] = mirrorX->values[s];
     return true;
 }
@@ -214,7 +216,11 @@ static void sizeStepBuffers(int32_t n)
         return;
     st.closedLoop = (double *)grealloc(st.closedLoop, sizeof(double) * (size_t)(n + 2));
     st.companion = matReDecl(st.companion, (uint32_t)n, (uint32_t)n);
+    int32_t keptRoots = st.capacity > 0 ? st.capacity + 3 : 0;
     st.roots = (Complex *)grealloc(st.roots, sizeof(Complex) * (size_t)(n + 3));
+    /* Entries no step has written yet (a degree below n) read as the origin; the others
+    ** are kept, from run to run as well. */
+    std::fill(st.roots + keptRoots, st.roots + n + 3, Complex{0.0, 0.0});
     st.previous = (Complex *)grealloc(st.previous, sizeof(Complex) * (size_t)n);
     st.capacity = n;
 }
@@ -227,8 +233,6 @@ void beginLocusRun(const double *num, const double *den, int32_t n, double gain)
     st.denominator = den;
     st.gain = gain;
     sizeStepBuffers(n);
-    /* Roots a step does not find (a degree below n) read as the origin at first. */
-    std::fill(st.roots, st.roots + n + 3, Complex{0.0, 0.0});
     st.autoNumerator = (double *)galloc(sizeof(double) * (size_t)(n + 1));
     st.autoDenominator = (double *)galloc(sizeof(double) * (size_t)(n + 1));
     std::copy(num, num + n + 1, st.autoNumerator);
@@ -252,17 +256,13 @@ void endLocusRun()
     st.autoCompanion = nullptr;
 }
 
-/* A fresh PlotParamInfo with room for the gain of every step.  The record this plot had
-** from an earlier run was attached here too (zeroed, so its zero-branch pointer is null
-** or ours) and is released rather than left behind. */
+/* A fresh PlotParamInfo with room for the gain of every step.  A record the plot holds
+** from an earlier run belongs to the plot (the host) and is left to it, not freed here. */
 static PlotParamInfo *attachParamInfo(PlotRecord *plot, int32_t steps)
 {
-    if (PlotParamInfo *old = plot->paramInfo) {
-        gfree(old->parameters);
-        gfree(old->zeroBranches);
-        gfree(old);
-    }
     PlotParamInfo *info = (PlotParamInfo *)galloc(sizeof(PlotParamInfo));
+    /* Zeroed whole: the zero-branch pointer stays null unless zeros are assigned, and the
+    ** host's own last 16 bytes hold no stray values. */
     std::memset(info, 0, sizeof *info);
     info->parameters = (double *)galloc(sizeof(double) * (size_t)steps);
     std::fill(info->parameters, info->parameters + steps, 0.0);

@@ -110,6 +110,35 @@ TEST_F(AutoSweep, BranchesLeaveTheRealAxisVerticallyFromTheBreakAwayPoint)
     EXPECT_NE(a[split - 2].re, b[split - 2].re);
 }
 
+TEST_F(AutoSweep, BreakAwayWithoutAMirrorImageStillMovesTheBranchsOwnPoint)
+{
+    /* (s+1)(s+2) + K leaves the axis at -1.5 for K = 1/4.  Branch 1 holds the roots on the
+    ** -1 side at K = 0, 0.2 and 0.24 (-1.4); branch 0 lies beyond the tracking's reach
+    ** (1e101), so at step 3 both roots of the pair land on branch 1 and no branch is its
+    ** mirror image.  Step 3 from 0.5 is halved to 0.25625 (-1.5 +- j 0.079), a small
+    ** enough step: branch 1's point at step 2 moves to -1.5 all the same, and the halving
+    ** goes on below the break-away gain. */
+    double numerator[3] = {1, 0, 0}, denominator[3] = {2, 3, 1};
+    gainRange.steps = 10;
+    block = makeRootLocusPlot(2);
+    plot = plotRecordOf(block);
+    beginLocusRun(numerator, denominator, 2, 1.0);
+    const double far[3] = {3e101, 2e101, 1e101}, near[3] = {-1.0, -1.5 + std::sqrt(0.05), -1.4};
+    for (int s = 0; s < 3; ++s) {
+        storeLocusPoint(plot, 0, s, {far[s], 0});
+        storeLocusPoint(plot, 1, s, {near[s], 0});
+    }
+    storeLocusPoint(plot, 0, 3, {0, 0});
+    double K = 0.5;
+    adaptLocusGain(plot, 2, 4, &K, 0.24, 100.0);
+    endLocusRun();
+    EXPECT_DOUBLE_EQ(K, 0.24 + 0.26 / 32) << "halved five times, below the break-away gain";
+    EXPECT_NEAR(branch(1).at(2).re, -1.5, 1e-12) << "moved onto the real part at K = 0.25625";
+    EXPECT_EQ(branch(1).at(2).im, 0.0);
+    EXPECT_EQ(branch(1).at(3).im, 0.0) << "step 3 ends on the real axis";
+    EXPECT_EQ(branch(0).at(2).re, 1e101) << "no other branch moved";
+}
+
 TEST_F(AutoSweep, AsManyZerosAsPolesNumbersTheBranchesFromOne)
 {
     /* (s+1)(s+2)/((s+10)(s+20)): biproper, every branch ends on a zero. */

@@ -151,7 +151,7 @@ TEST_F(Sweep, EquidistantRootGoesToTheLowerBranch)
     EXPECT_NEAR(moved, 1.0 + 0.9, 1e-12) << "the second root moved from branch 1's point";
 }
 
-TEST_F(Sweep, ADegreeDropKeepsTheRootsTheStepBeforeFound)
+TEST_F(Sweep, ADegreeDropKeepsTheRootsEarlierStepsFound)
 {
     /* (s+1)(s+2) + K s^2: at K = -1 the closed loop is 3 s + 2, one root only; the other
     ** branch keeps the root buffer's entry of the step before. */
@@ -169,6 +169,16 @@ TEST_F(Sweep, ADegreeDropKeepsTheRootsTheStepBeforeFound)
     std::sort(expected.begin(), expected.end());
     EXPECT_NEAR(atDrop[0], expected[0], 1e-12);
     EXPECT_NEAR(atDrop[1], expected[1], 1e-12);
+
+    /* The buffer is kept from run to run: a run whose first step drops the degree gives
+    ** branch 1 the entry the run before left there. */
+    ASSERT_NE(stale.re, 0.0);
+    beginLocusRun(numerator, denominator, 2, 1.0);
+    rootLocusStep(plot, 0, -1.0);
+    endLocusRun();
+    EXPECT_NEAR(branch(0)[0].re, -2.0 / 3.0, 1e-12);
+    EXPECT_EQ(branch(1)[0].re, stale.re);
+    EXPECT_EQ(branch(1)[0].im, stale.im);
 }
 
 TEST_F(Sweep, TraceBuffersGrowBy128PointsAndLeaveUnwrittenPointsUndrawn)
@@ -185,6 +195,15 @@ TEST_F(Sweep, TraceBuffersGrowBy128PointsAndLeaveUnwrittenPointsUndrawn)
         EXPECT_EQ(b->values[60], c == 0 ? 3.0 : -4.0);
         EXPECT_TRUE(std::isnan(b->values[59]));
         EXPECT_TRUE(std::isnan(b->values[177]));
+    }
+    /* A step more than 128 beyond the buffer: as many 128-point additions as it takes. */
+    storeLocusPoint(plot, 0, 500, {5, 6});
+    for (int c = 0; c < 2; ++c) {
+        PlotPointBuffer *b = buffer(0, c);
+        EXPECT_EQ(b->capacity, 178u + 3 * 128);
+        EXPECT_EQ(b->highestIndex, 500u);
+        EXPECT_EQ(b->values[500], c == 0 ? 5.0 : 6.0);
+        EXPECT_EQ(b->values[60], c == 0 ? 3.0 : -4.0);
     }
     /* A branch the host has no trace for is skipped. */
     storeLocusPoint(plot, 5000, 0, {1, 1});
