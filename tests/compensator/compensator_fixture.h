@@ -96,6 +96,7 @@ protected:
         frequencyRange = {50, 0.1, 100.0};
         gainRange = {50, 0.0, 100.0};
         optionsMemory.autoRange = 0;
+        frequencyPlotCount = rootLocusPlotCount = 0;
         frequencyUnit.selected = FREQUENCY_UNIT_RADIANS;
         phaseUnit.selected = PHASE_UNIT_DEGREES;
         displayPrecision = 6;
