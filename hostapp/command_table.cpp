@@ -18,7 +18,9 @@ const std::vector<CommandSpec> &commandTable()
         {"linearize", 206, true, "linearize the selection; [--file NAME.m | --screen | --select-points]"},
         {"select-points", 234, true, "start the host's input/output point selection"},
         {"tf", 243, true, "transfer function, zeros and poles"},
-        {"compensator", 249, false, "compensator design"},
+        {"compensator", 249, true,
+         "compensator design; [--gain K] [--add-zero RE,IM] [--add-pole RE,IM] [--replot] [--ok]\n"
+         "                       (filled in this order, as typed into the dialog; without --ok it ends with Cancel)"},
         {"select-compensator", 254, true, "select the compensator block (host)"},
         {"rlocus", 240, true, "root locus plot"},
         {"rlocus-options", 241, true, "root locus gain range; [--start K --stop K --steps N --auto|--no-auto]"},
@@ -164,6 +166,8 @@ bool parseCommandOptions(const CommandSpec &command, const std::vector<std::stri
         dialog = "PRX_OPTIONS";
     else if (name == "preferences")
         dialog = "PRX_PREFERENCES";
+    else if (name == "compensator")
+        dialog = "COMPENSATORDESIGN";
 
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string &option = args[i];
@@ -213,6 +217,16 @@ bool parseCommandOptions(const CommandSpec &command, const std::vector<std::stri
             ok = typed(IDC_OPTION_STEPS);
         } else if (name == "rlocus-options" && (option == "--auto" || option == "--no-auto")) {
             run.actions.push_back(action(dialog, option == "--auto" ? ActionKind::Check : ActionKind::Uncheck, IDC_OPTION_AUTO_RANGE));
+            ok = true;
+        } else if (name == "compensator" && option == "--gain") {
+            ok = typed(IDC_COMP_GAIN);
+        } else if (name == "compensator" && (option == "--add-zero" || option == "--add-pole")) {
+            /* Typing into a list's edit makes that list current; Add then appends the root. */
+            ok = typed(option == "--add-zero" ? IDC_COMP_ZERO_EDIT : IDC_COMP_POLE_EDIT);
+            if (ok)
+                run.actions.push_back(action(dialog, ActionKind::Click, IDC_COMP_ADD));
+        } else if (name == "compensator" && (option == "--replot" || option == "--ok")) {
+            run.actions.push_back(action(dialog, ActionKind::Click, option == "--ok" ? IDOK : IDC_COMP_REPLOT));
             ok = true;
         } else if (name == "preferences" && option == "--frequency-unit") {
             ok = choice({{"hertz", IDC_PREF_HERTZ}, {"rad", IDC_PREF_RADIANS_SEC}});

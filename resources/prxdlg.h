@@ -59,4 +59,19 @@
 /* NYQUISTINFINITI: R∞ of the Nyquist detours. */
 #define IDC_NYQUIST_INFINITY    901
 
+/* COMPENSATORDESIGN: the series compensator and the plant's roots. */
+#define IDC_COMP_ZERO_EDIT      1021
+#define IDC_COMP_ZEROS          107
+#define IDC_COMP_POLE_EDIT      1020
+#define IDC_COMP_POLES          108
+#define IDC_COMP_ADD            303
+#define IDC_COMP_DEL            304
+#define IDC_COMP_CHANGE         301
+#define IDC_COMP_REPLOT         302
+#define IDC_COMP_PLANT          1022
+#define IDC_COMP_HEADING        109
+#define IDC_COMP_PLANT_HEADING  111
+#define IDC_COMP_GAIN           1023
+#define IDC_COMP_HELP           9
+
 #endif

@@ -1,11 +1,16 @@
 /*
-** xfer/compensator_hook.cpp: where timeToFrequency hands the current transfer
-** function to the compensator design dialog.
+** xfer/compensator_hook.cpp: where timeToFrequency runs the compensator design dialog
+** on the current transfer function and hands the compensator to the host on OK.
 */
+#include "compensator/compensator.h"
+#include "host/host.h"
+#include "shell/praxa.h"
 #include "xfer/xfer.h"
 
-/* The compensator design dialog is not yet available: nothing is shown and nothing is
-** handed to the host. */
 void runCompensatorDesign(void)
 {
+    if (runDialog("CompensatorDesign", compensatorDlg) != IDOK)
+        return;
+    tervanInternalRequest(TERVAN_INTERNAL_COMPENSATOR, (intptr_t)&currentCompensator, 0);
+    SendMessageA(hostMainWindow, WM_COMMAND, CMD_COMPENSATOR_TO_HOST, 0);
 }

@@ -1,0 +1,250 @@
+/*
+** tests/compensator/compensator_dialog_test.cpp: the Compensator Design dialog: what it
+** shows at first use, editing the lists (Add, Del, Change, the current list), reading
+** them, OK with the hand-over to the host, Cancel, persistence and the reset event.
+*/
+#include "tests/compensator/compensator_fixture.h"
+
+using namespace comptest;
+
+namespace {
+
+using Entries = std::vector<std::string>;
+
+}
+
+TEST_F(CompensatorTest, FirstUseShowsGainOneEmptyListsAndOneRowPerPlantPole)
+{
+    design();
+    EXPECT_EQ(shownControl("edit", IDC_COMP_GAIN), "  edit 1023 \"1\"");
+    EXPECT_EQ(shownControl("listbox", IDC_COMP_ZEROS), "  listbox 107:");
+    EXPECT_EQ(shownControl("listbox", IDC_COMP_POLES), "  listbox 108:");
+    EXPECT_EQ(shownControl("listbox", IDC_COMP_PLANT), "  listbox 1022: \"\t(0,0)\" | \"\t(-1,0)\"");
+    /* Unscripted, Enter presses Replot, which does not end the dialog: it is cancelled. */
+    EXPECT_EQ(lineOf("[end] Compensator Design: 2"), (int)lines().size() - 1) << platform::transcriptText();
+    EXPECT_TRUE(hostCommands.empty());
+    EXPECT_EQ(currentCompensator.gain, 1.0);
+}
+
+TEST_F(CompensatorTest, PlantZerosShareTheRowsOfThePoles)
+{
+    /* (s + 4)/((s + 1)(s + 2)(s + 3)): the zero on the first row, then only poles */
+    usePlant(xfertest::controllableForm({4.0, 1.0, 0.0}, {6.0, 11.0, 6.0}));
+    design();
+    std::string plantRows = shownControl("listbox", IDC_COMP_PLANT);
+    ASSERT_EQ(plantRows.rfind("  listbox 1022: \"(-4,0)\t(", 0), 0u) << plantRows;
+    EXPECT_EQ(std::count(plantRows.begin(), plantRows.end(), '|'), 2) << plantRows;
+    EXPECT_NE(plantRows.find(" | \"\t(-2,0)\""), std::string::npos) << plantRows;
+}
+
+TEST_F(CompensatorTest, AddAppendsTheNormalizedRootAndSelectsIt)
+{
+    type(IDC_COMP_ZERO_EDIT, "(-2");
+    click(IDC_COMP_ADD);
+    type(IDC_COMP_ZERO_EDIT, "3");
+    click(IDC_COMP_ADD);
+    type(IDC_COMP_POLE_EDIT, "-1,2");
+    click(IDC_COMP_ADD);
+    type(IDC_COMP_POLE_EDIT, "(-1, -2)");
+    click(IDC_COMP_ADD);
+    type(IDC_COMP_POLE_EDIT, "x");     /* unreadable: 0 */
+    click(IDC_COMP_ADD);
+    click(IDOK);
+    EXPECT_EQ(designSpied(), IDOK);
+    EXPECT_EQ(zerosAtEnd.entries, (Entries{"(-2,0)", "(3,0)"}));
+    EXPECT_EQ(zerosAtEnd.selected, 1);
+    EXPECT_EQ(polesAtEnd.entries, (Entries{"(-1,2)", "(-1,-2)", "(0,0)"}));
+    EXPECT_EQ(polesAtEnd.selected, 2);
+    EXPECT_EQ(platform::scriptErrorCount(), 0);
+}
+
+TEST_F(CompensatorTest, ChangeKeepsTheTypedTextWhichIsStillReadAsARoot)
+{
+    type(IDC_COMP_ZERO_EDIT, "-5");
+    click(IDC_COMP_ADD);
+    type(IDC_COMP_ZERO_EDIT, "-7");
+    click(IDC_COMP_ADD);
+    select(IDC_COMP_ZEROS, 0);
+    type(IDC_COMP_ZERO_EDIT, "-2, 1");
+    click(IDC_COMP_CHANGE);
+    click(IDOK);
+    EXPECT_EQ(designSpied(), IDOK);
+    EXPECT_EQ(zerosAtEnd.entries, (Entries{"-2, 1", "(-7,0)"}));
+    EXPECT_EQ(zerosAtEnd.selected, 0);
+    ASSERT_EQ(currentCompensator.zeroCount, 2);
+    EXPECT_EQ(currentCompensator.zeros[0].re, -2.0);
+    EXPECT_EQ(currentCompensator.zeros[0].im, 1.0);
+    EXPECT_EQ(currentCompensator.zeros[1].re, -7.0);
+    EXPECT_EQ(currentCompensator.zeros[1].im, 0.0);
+}
+
+TEST_F(CompensatorTest, SelectingAnEntryCopiesItIntoThePairedEditAndMakesItsListCurrent)
+{
+    type(IDC_COMP_POLE_EDIT, "-3");
+    click(IDC_COMP_ADD);
+    type(IDC_COMP_ZERO_EDIT, "-4");     /* the zero list is now current */
+    select(IDC_COMP_POLES, 0);          /* the pole list again, its entry in edit 1020 */
+    type(IDC_COMP_POLE_EDIT, "");       /* (an empty text reads as 0) */
+    select(IDC_COMP_POLES, 0);
+    click(IDC_COMP_ADD);                /* adds the copied "(-3,0)" to the poles */
+    click(IDOK);
+    EXPECT_EQ(designSpied(), IDOK);
+    EXPECT_TRUE(zerosAtEnd.entries.empty());
+    EXPECT_EQ(polesAtEnd.entries, (Entries{"(-3,0)", "(-3,0)"}));
+    EXPECT_EQ(currentList, IDC_COMP_POLES);
+    EXPECT_EQ(currentEdit, IDC_COMP_POLE_EDIT);
+}
+
+TEST_F(CompensatorTest, DelSelectsTheFollowingEntryOrNothingAfterTheLast)
+{
+    for (const char *root : {"-1", "-2", "-3"}) {
+        type(IDC_COMP_POLE_EDIT, root);
+        click(IDC_COMP_ADD);
+    }
+    select(IDC_COMP_POLES, 1);
+    click(IDC_COMP_DEL);                /* -2 goes, -3 is selected */
+    click(IDC_COMP_DEL);                /* -3 goes, nothing is selected */
+    click(IDC_COMP_DEL);                /* nothing selected: nothing happens */
+    click(IDC_COMP_CHANGE);             /* likewise */
+    click(IDCANCEL);
+    EXPECT_EQ(designSpied(), IDCANCEL);
+    EXPECT_EQ(polesAtEnd.entries, (Entries{"(-1,0)"}));
+    EXPECT_EQ(polesAtEnd.selected, LB_ERR);
+    /* Cancel without a Replot reads nothing */
+    EXPECT_EQ(currentCompensator.poleCount, 0);
+}
+
+TEST_F(CompensatorTest, WithoutACurrentListAddDelAndChangeDoNothing)
+{
+    type(IDC_COMP_GAIN, "4");           /* the gain edit pairs with no list */
+    click(IDC_COMP_ADD);
+    click(IDC_COMP_DEL);
+    click(IDC_COMP_CHANGE);
+    click(IDOK);
+    EXPECT_EQ(designSpied(), IDOK);
+    EXPECT_TRUE(zerosAtEnd.entries.empty());
+    EXPECT_TRUE(polesAtEnd.entries.empty());
+    EXPECT_EQ(currentList, 0);
+    EXPECT_EQ(currentCompensator.gain, 4.0);
+}
+
+TEST_F(CompensatorTest, OkReadsTheDialogAndHandsTheRecordToTheHost)
+{
+    type(IDC_COMP_GAIN, "2.5");
+    type(IDC_COMP_ZERO_EDIT, "-1");
+    click(IDC_COMP_ADD);
+    type(IDC_COMP_POLE_EDIT, "-10");
+    click(IDC_COMP_ADD);
+    type(IDC_COMP_POLE_EDIT, "-20,3");
+    click(IDC_COMP_ADD);
+    click(IDOK);
+    design();
+    EXPECT_EQ(currentCompensator.gain, 2.5);
+    ASSERT_EQ(currentCompensator.zeroCount, 1);
+    ASSERT_EQ(currentCompensator.poleCount, 2);
+    EXPECT_EQ(currentCompensator.poles[1].re, -20.0);
+    EXPECT_EQ(currentCompensator.poles[1].im, 3.0);
+    /* request 4 with the record, then command 255 to the main window */
+    int request = lineOf("[compensator] gain 2.5 zeros (-1,0) poles (-10,0) (-20,3)");
+    EXPECT_GT(request, lineOf("[end] Compensator Design: 1")) << platform::transcriptText();
+    ASSERT_EQ(hostCommands.size(), 1u);
+    EXPECT_EQ(hostCommands[0].first, (WPARAM)255);
+    EXPECT_EQ(hostCommands[0].second, (LPARAM)0);
+    /* the loop lists: compensator roots first, then the plant's */
+    ASSERT_EQ(loopZeroCount, 1);
+    ASSERT_EQ(loopPoleCount, 4);
+    EXPECT_EQ(loopPoles[0].re, -10.0);
+    EXPECT_EQ(loopPoles[1].re, -20.0);
+    EXPECT_EQ(loopPoles[2].re, 0.0);
+    EXPECT_EQ(loopPoles[3].re, -1.0);
+}
+
+TEST_F(CompensatorTest, TheRecordPersistsToTheNextInvocationAndCancelHandsNothingOver)
+{
+    type(IDC_COMP_GAIN, "3");
+    type(IDC_COMP_ZERO_EDIT, "-0.5");
+    click(IDC_COMP_ADD);
+    click(IDOK);
+    design();
+    platform::clearTranscript();
+    hostCommands.clear();
+    platform::queueDialogAction(DialogAction{DIALOG, ActionKind::Cancel, 0, "", 0});
+    design();
+    EXPECT_EQ(shownControl("edit", IDC_COMP_GAIN), "  edit 1023 \"3\"");
+    EXPECT_EQ(shownControl("listbox", IDC_COMP_ZEROS), "  listbox 107: \"(-.5,0)\"");
+    EXPECT_EQ(lineOf("[end] Compensator Design: 2"), (int)lines().size() - 1) << platform::transcriptText();
+    EXPECT_TRUE(hostCommands.empty());
+}
+
+TEST_F(CompensatorTest, ResetEventBetweenInvocationsOpensWithGainOneAndEmptyLists)
+{
+    type(IDC_COMP_GAIN, "6");
+    type(IDC_COMP_POLE_EDIT, "-4");
+    click(IDC_COMP_ADD);
+    click(IDOK);
+    design();
+    Complex *poles = currentCompensator.poles;
+    EXPECT_EQ(praxaEvent(EVENT_RESET_COMPENSATOR, 0), 0);
+    EXPECT_EQ(currentCompensator.poles, poles);     /* the arrays are kept */
+    platform::clearTranscript();
+    design();
+    EXPECT_EQ(shownControl("edit", IDC_COMP_GAIN), "  edit 1023 \"1\"");
+    EXPECT_EQ(shownControl("listbox", IDC_COMP_ZEROS), "  listbox 107:");
+    EXPECT_EQ(shownControl("listbox", IDC_COMP_POLES), "  listbox 108:");
+}
+
+TEST_F(CompensatorTest, AZeroGainIsShownAsOneNextTime)
+{
+    type(IDC_COMP_GAIN, "zero");        /* unreadable: 0 */
+    click(IDOK);
+    design();
+    EXPECT_EQ(currentCompensator.gain, 0.0);
+    platform::clearTranscript();
+    design();
+    EXPECT_EQ(shownControl("edit", IDC_COMP_GAIN), "  edit 1023 \"1\"");
+}
+
+TEST_F(CompensatorTest, HelpOpensTopic1193AndTheDialogStays)
+{
+    click(IDC_COMP_HELP);
+    click(IDOK);
+    design();
+    int help = lineOf("[help] file 43528 topic 1193");
+    ASSERT_GE(help, 0) << platform::transcriptText();
+    EXPECT_LT(help, lineOf("[end] Compensator Design: 1"));
+}
+
+TEST_F(CompensatorTest, RootTextsParseAsTheUserTypesThem)
+{
+    struct Case {
+        const char *text;
+        double re, im;
+    } cases[] = {
+        {"3", 3, 0}, {"(3", 3, 0}, {"-1,2", -1, 2}, {"(-1,2)", -1, 2}, {"(-1, 2)", -1, 2},
+        {"((( -4.5e1 ,-0.25)", -45, -0.25}, {"", 0, 0}, {"abc,7", 0, 7}, {"1,abc", 1, 0}, {"2,3,4", 2, 3},
+    };
+    for (const Case &c : cases) {
+        Complex root = parseRootText(c.text);
+        EXPECT_EQ(root.re, c.re) << c.text;
+        EXPECT_EQ(root.im, c.im) << c.text;
+    }
+}
+
+TEST_F(CompensatorTest, LongTextsAreCutToTheWorkBuffers)
+{
+    std::string longRoot = "-3," + std::string(5000, '1');
+    std::string longGain = "2" + std::string(100, '0');    /* 2e100, cut to 63 characters: 2e62 */
+    type(IDC_COMP_GAIN, longGain);
+    type(IDC_COMP_ZERO_EDIT, "-1");
+    click(IDC_COMP_ADD);
+    select(IDC_COMP_ZEROS, 0);
+    type(IDC_COMP_ZERO_EDIT, longRoot);
+    click(IDC_COMP_CHANGE);
+    click(IDOK);
+    EXPECT_EQ(designSpied(), IDOK);
+    ASSERT_EQ(zerosAtEnd.entries.size(), 1u);
+    EXPECT_EQ(zerosAtEnd.entries[0], longRoot.substr(0, 4095));
+    EXPECT_EQ(currentCompensator.gain, 2e62);
+    ASSERT_EQ(currentCompensator.zeroCount, 1);
+    EXPECT_EQ(currentCompensator.zeros[0].re, -3.0);
+}

@@ -1,0 +1,188 @@
+/*
+** tests/compensator/compensator_fixture.h: a fresh host with the plug-in and a plant
+** in stateSpaceModel, the compensator design run as the Compensator Design command runs
+** it, and what the dialog showed read back from the transcript.
+*/
+#ifndef PRAXA_TESTS_COMPENSATOR_FIXTURE_H
+#define PRAXA_TESTS_COMPENSATOR_FIXTURE_H
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "compensator/compensator.h"
+#include "host/host.h"
+#include "hostapp/host_state.h"
+#include "linearize/linearize.h"
+#include "platform/driver.h"
+#include "resources/prxdlg.h"
+#include "shell/plot_output.h"
+#include "shell/praxa.h"
+#include "shell/settings.h"
+#include "support.h"
+#include "tests/xfer/model.h"
+#include "xfer/xfer.h"
+
+namespace comptest {
+
+using platform::ActionKind;
+using platform::DialogAction;
+
+inline const char *const DIALOG = "COMPENSATORDESIGN";
+
+inline void type(int control, const std::string &text)
+{
+    platform::queueDialogAction(DialogAction{DIALOG, ActionKind::Type, control, text, 0});
+}
+inline void click(int control) { platform::queueDialogAction(DialogAction{DIALOG, ActionKind::Click, control, "", 0}); }
+inline void select(int list, int index)
+{
+    platform::queueDialogAction(DialogAction{DIALOG, ActionKind::Select, list, "", index});
+}
+
+/* The lists as the dialog held them when OK or Cancel was pressed, with their selections. */
+struct ListState {
+    std::vector<std::string> entries;
+    int selected = -2;
+};
+inline ListState zerosAtEnd, polesAtEnd;
+inline std::string gainAtEnd;
+
+inline ListState listState(HWND dialog, int id)
+{
+    ListState state;
+    int count = (int)SendDlgItemMessageA(dialog, id, LB_GETCOUNT, 0, 0);
+    for (int i = 0; i < count; i++) {
+        char text[8192] = "";
+        SendDlgItemMessageA(dialog, id, LB_GETTEXT, (WPARAM)i, (LPARAM)text);
+        state.entries.push_back(text);
+    }
+    state.selected = (int)SendDlgItemMessageA(dialog, id, LB_GETCURSEL, 0, 0);
+    return state;
+}
+
+/* compensatorDlg with the lists noted just before OK or Cancel is handled. */
+inline INT_PTR spiedCompensatorDlg(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_COMMAND && (LOWORD(wParam) == IDOK || LOWORD(wParam) == IDCANCEL)) {
+        zerosAtEnd = listState(dialog, IDC_COMP_ZEROS);
+        polesAtEnd = listState(dialog, IDC_COMP_POLES);
+        char gain[256] = "";
+        GetDlgItemTextA(dialog, IDC_COMP_GAIN, gain, sizeof gain);
+        gainAtEnd = gain;
+    }
+    return compensatorDlg(dialog, message, wParam, lParam);
+}
+
+class CompensatorTest : public ::testing::Test {
+protected:
+    testing_support::TempDir dir;
+    std::unique_ptr<xfertest::Model> plant;
+    StateSpaceModel savedModel{};
+    std::vector<std::pair<WPARAM, LPARAM>> hostCommands;
+
+    void SetUp() override
+    {
+        testing_support::writeFile(dir.file("tervan.ini"), "");
+        reusePlots = 0;
+        testing_support::startHostWithPlugin(dir.file("tervan.ini"), dir.path);
+        platform::setMainWindowHandler([this](UINT message, WPARAM wParam, LPARAM lParam) -> LRESULT {
+            if (message == WM_COMMAND)
+                hostCommands.push_back({wParam, lParam});
+            return 0;
+        });
+        frequencyRange = {50, 0.1, 100.0};
+        gainRange = {50, 0.0, 100.0};
+        optionsMemory.autoRange = 0;
+        frequencyPlotCount = rootLocusPlotCount = 0;
+        frequencyUnit.selected = FREQUENCY_UNIT_RADIANS;
+        phaseUnit.selected = PHASE_UNIT_DEGREES;
+        displayPrecision = 6;
+        savedModel = stateSpaceModel;
+        currentCompensator = Compensator{};
+        currentList = currentEdit = 0;
+        /* 1/(s (s + 1)) */
+        usePlant(xfertest::controllableForm({1.0, 0.0}, {0.0, 1.0}));
+        platform::clearTranscript();
+    }
+
+    void TearDown() override
+    {
+        stateSpaceModel = savedModel;
+        bodePhasePlot = bodeMagnitudePlot = nyquistPlot = rootLocusPlot = nullptr;
+        currentCompensator = Compensator{};
+        currentList = currentEdit = 0;
+        hostapp::resetHost();
+    }
+
+    void usePlant(xfertest::Model *model)
+    {
+        plant.reset(model);
+        stateSpaceModel = {plant->A, plant->B, plant->C, plant->D};
+    }
+
+    /* The Compensator Design command's part after the linearization. */
+    void design()
+    {
+        timeToFrequency(plant->A, plant->B, plant->C, plant->D, nullptr, nullptr, nullptr, XFER_SHOW_COMPENSATOR);
+    }
+
+    /* The dialog run on the plant with the lists noted at its end; returns its end code. */
+    INT_PTR designSpied()
+    {
+        /* currentXfer's lists exist only inside timeToFrequency: compute them first. */
+        int32_t n = plant->n;
+        std::vector<Complex> zeros(n + 1), poles(n + 1);
+        std::vector<double> num(n + 2), den(n + 2);
+        Polynomial numerator{n + 1, num.data()}, denominator{n + 1, den.data()};
+        stateToZeros(plant->A, plant->B, plant->C, plant->D, zeros.data(), &numerator);
+        stateToPoles(plant->A, poles.data(), &denominator);
+        currentXfer.zeros = zeros.data();
+        currentXfer.poles = poles.data();
+        currentXfer.zeroCount = numerator.count - 1;
+        currentXfer.poleCount = denominator.count - 1;
+        currentXfer.gain = xferGain(plant->A, plant->B, plant->C, plant->D, poles.data(), zeros.data(),
+                                    currentXfer.zeroCount, currentXfer.poleCount);
+        INT_PTR result = runDialog(DIALOG, spiedCompensatorDlg);
+        currentXfer.zeros = currentXfer.poles = nullptr;
+        return result;
+    }
+};
+
+/* Transcript helpers. */
+inline const std::vector<std::string> &lines() { return platform::transcript(); }
+
+inline int lineOf(const std::string &text, int occurrence = 0)
+{
+    for (size_t i = 0; i < lines().size(); i++)
+        if (lines()[i] == text && occurrence-- == 0)
+            return (int)i;
+    return -1;
+}
+
+inline int countLines(const std::string &text)
+{
+    int count = 0;
+    for (const std::string &line : lines())
+        count += line == text;
+    return count;
+}
+
+/* The snapshot line of control `id` of kind `kind` in the n-th "Compensator Design" dialog. */
+inline std::string shownControl(const std::string &kind, int id, int occurrence = 0)
+{
+    int start = lineOf("[dialog] Compensator Design", occurrence);
+    if (start < 0)
+        return "<no dialog>";
+    std::string prefix = "  " + kind + " " + std::to_string(id);
+    for (size_t i = start + 1; i < lines().size() && lines()[i].rfind("  ", 0) == 0; i++)
+        if (lines()[i].rfind(prefix + " ", 0) == 0 || lines()[i].rfind(prefix + ":", 0) == 0)
+            return lines()[i];
+    return "<no control>";
+}
+
+}
+
+#endif

@@ -1,0 +1,221 @@
+/*
+** tests/compensator/replot_test.cpp: Replot: the Bode plots and the root locus of
+** compensator times plant against hand-derived values, the plots remembered and
+** reused, the lists kept after Cancel, and loops that cannot be drawn.
+*/
+#include <cmath>
+#include <complex>
+#include <set>
+
+#include "tests/compensator/compensator_fixture.h"
+
+using namespace comptest;
+
+namespace {
+
+const double PI = 3.141592653589793;
+
+double gridPoint(int k, int n, double start, double stop)
+{
+    double step = (std::log10(stop) - std::log10(start)) / (n - 1);
+    return std::pow(10.0, std::log10(start) + (k - 1) * step);
+}
+
+std::vector<double> tracePoints(HostBlock *plot)
+{
+    const PlotTrace &t = plotRecordOf(plot)->traces[0];
+    const double *values = (const double *)t.points.items;
+    std::vector<double> result;
+    for (uint32_t i = 0; values && i < t.points.count; i++)
+        result.push_back(values[i]);
+    return result;
+}
+
+Complex branchPoint(HostBlock *plot, int branch, int step)
+{
+    PlotRecord *record = plotRecordOf(plot);
+    auto *x = (PlotPointBuffer *)tervanRequest(TERVAN_REQ_PLOT_BUFFER, (intptr_t)record, branch * 256);
+    auto *y = (PlotPointBuffer *)tervanRequest(TERVAN_REQ_PLOT_BUFFER, (intptr_t)record, branch * 256 + 1);
+    return {x->values[step], y->values[step]};
+}
+
+/* The text of a message box line, whatever its caption. */
+int messageLine(const std::string &text)
+{
+    for (size_t i = 0; i < lines().size(); i++) {
+        const std::string &line = lines()[i];
+        if (line.size() > text.size() && line[0] == '[' &&
+            line.compare(line.size() - text.size(), text.size(), text) == 0)
+            return (int)i;
+    }
+    return -1;
+}
+
+int marginDialogs() { return countLines("[dialog] Phase and Gain Margins"); }
+
+/* Zero -1, pole -10, gain 10 on the plant 1/(s (s + 1)). */
+void queueLeadExample()
+{
+    type(IDC_COMP_GAIN, "10");
+    type(IDC_COMP_ZERO_EDIT, "-1");
+    click(IDC_COMP_ADD);
+    type(IDC_COMP_POLE_EDIT, "-10");
+    click(IDC_COMP_ADD);
+}
+
+}
+
+TEST_F(CompensatorTest, ReplotDrawsTheLoopsBodePlotsAndThreeBranchRootLocus)
+{
+    queueLeadExample();
+    click(IDC_COMP_REPLOT);
+    click(IDOK);
+    double plantGain = 0.0;
+    stateToXferFunc(plant->A, plant->B, plant->C, plant->D, nullptr, nullptr, &plantGain);
+    EXPECT_NEAR(plantGain, 1.0, 1e-12);
+    design();
+
+    /* 10 (s + 1)/((s + 10) s (s + 1)) with K = 10 times the plant gain:
+    ** |L(jw)| = 10 / (w sqrt(w^2 + 100)), arg L(jw) = -90 deg - atan(w / 10) */
+    ASSERT_NE(bodeMagnitudePlot, nullptr);
+    ASSERT_NE(bodePhasePlot, nullptr);
+    std::vector<double> magnitude = tracePoints(bodeMagnitudePlot), phase = tracePoints(bodePhasePlot);
+    ASSERT_EQ(magnitude.size(), 50u);
+    ASSERT_EQ(phase.size(), 50u);
+    for (int k = 1; k <= 50; k++) {
+        double w = gridPoint(k, 50, 0.1, 100.0);
+        double expected = 10.0 * plantGain / (w * std::sqrt(w * w + 100.0));
+        EXPECT_NEAR(magnitude[k - 1], expected, 1e-12 * expected) << "point " << k;
+        EXPECT_NEAR(phase[k - 1], -90.0 - std::atan(w / 10.0) * 180.0 / PI, 1e-9) << "point " << k;
+    }
+    EXPECT_EQ(marginDialogs(), 1);
+    EXPECT_STREQ(plotRecordOf(bodePhasePlot)->title, "Bode-Phase1");
+
+    /* Root locus of den + K g num with den = s (s + 1)(s + 10), num = s + 1, g = plant gain;
+    ** manual range 0 ... 100 in 50 steps */
+    ASSERT_NE(rootLocusPlot, nullptr);
+    PlotRecord *locus = plotRecordOf(rootLocusPlot);
+    EXPECT_EQ(locus->lastTraceIndex, 2);
+    ASSERT_NE(locus->paramInfo, nullptr);
+    EXPECT_EQ(locus->paramInfo->parameters[1], 2.0);
+    EXPECT_EQ(locus->paramInfo->parameters[49], 100.0);
+    std::multiset<double> start;
+    for (int j = 0; j < 3; j++) {
+        Complex p = branchPoint(rootLocusPlot, j, 0);
+        EXPECT_NEAR(p.im, 0.0, 1e-12);
+        start.insert(std::round(p.re * 1e9) / 1e9);
+    }
+    EXPECT_EQ(start, (std::multiset<double>{-10.0, -1.0, 0.0}));
+    for (int j = 0; j < 3; j++) {
+        /* every end point solves s^3 + 11 s^2 + (10 + 100 g) s + 100 g = 0 */
+        Complex r = branchPoint(rootLocusPlot, j, 49);
+        std::complex<double> s(r.re, r.im);
+        std::complex<double> p = s * s * s + 11.0 * s * s + (10.0 + 100.0 * plantGain) * s + 100.0 * plantGain;
+        EXPECT_LT(std::abs(p), 1e-9 * (1.0 + std::pow(std::abs(s), 3))) << "branch " << j;
+    }
+    /* the plant gain is back once Replot is done */
+    EXPECT_EQ(currentXfer.gain, plantGain);
+    EXPECT_EQ(currentCompensator.gain, 10.0);
+}
+
+TEST_F(CompensatorTest, ReplotReusesItsPlotsWhateverTheReuseSettingAndTheLocusFollowsThePoleCount)
+{
+    queueLeadExample();
+    click(IDC_COMP_REPLOT);
+    type(IDC_COMP_POLE_EDIT, "-20");
+    click(IDC_COMP_ADD);
+    click(IDC_COMP_REPLOT);
+    click(IDOK);
+    EXPECT_EQ(reusePlots, 0);
+    HostBlock *phaseBefore = nullptr, *locusBefore = nullptr;
+    design();
+    EXPECT_EQ(marginDialogs(), 2);
+    phaseBefore = bodePhasePlot;
+    locusBefore = rootLocusPlot;
+    ASSERT_NE(locusBefore, nullptr);
+    EXPECT_EQ(plotRecordOf(rootLocusPlot)->lastTraceIndex, 3);     /* 4 loop poles */
+    EXPECT_STREQ(plotRecordOf(bodePhasePlot)->title, "Bode-Phase2");
+    EXPECT_STREQ(plotRecordOf(rootLocusPlot)->title, "Root Locus-1");
+
+    /* a later invocation draws into the same blocks */
+    click(IDC_COMP_REPLOT);
+    click(IDOK);
+    design();
+    EXPECT_EQ(bodePhasePlot, phaseBefore);
+    EXPECT_EQ(rootLocusPlot, locusBefore);
+}
+
+TEST_F(CompensatorTest, AfterReplotAndCancelTheDialogReopensWithTheListsAsReplotReadThem)
+{
+    queueLeadExample();
+    click(IDC_COMP_REPLOT);
+    type(IDC_COMP_POLE_EDIT, "-30");    /* added after the Replot: not read */
+    click(IDC_COMP_ADD);
+    platform::queueDialogAction(DialogAction{DIALOG, ActionKind::Cancel, 0, "", 0});
+    design();
+    EXPECT_TRUE(hostCommands.empty());
+    platform::clearTranscript();
+    design();
+    EXPECT_EQ(shownControl("edit", IDC_COMP_GAIN), "  edit 1023 \"10\"");
+    EXPECT_EQ(shownControl("listbox", IDC_COMP_ZEROS), "  listbox 107: \"(-1,0)\"");
+    EXPECT_EQ(shownControl("listbox", IDC_COMP_POLES), "  listbox 108: \"(-10,0)\"");
+}
+
+TEST_F(CompensatorTest, ALoopWithMoreZerosThanPolesGetsItsBodePlotsButNoRootLocus)
+{
+    for (const char *zero : {"-1", "-2", "-3"}) {
+        type(IDC_COMP_ZERO_EDIT, zero);
+        click(IDC_COMP_ADD);
+    }
+    click(IDC_COMP_REPLOT);
+    click(IDOK);
+    design();
+    EXPECT_EQ(marginDialogs(), 1);
+    int message = messageLine("The loop has 3 zeros but only 2 poles: no root locus is drawn.");
+    EXPECT_GT(message, lineOf("[end] Phase and Gain Margins: 1")) << platform::transcriptText();
+    EXPECT_EQ(rootLocusPlot, nullptr);
+    /* |L(jw)| = |(jw + 1)(jw + 2)(jw + 3)| / |jw (jw + 1)| at the first point, w = 0.1 */
+    std::vector<double> magnitude = tracePoints(bodeMagnitudePlot);
+    ASSERT_EQ(magnitude.size(), 50u);
+    double w = 0.1;
+    EXPECT_NEAR(magnitude[0], std::sqrt((w * w + 4) * (w * w + 9)) / w, 1e-9);
+    EXPECT_EQ(currentXfer.gain, currentXfer.gain);      /* not NaN */
+}
+
+TEST_F(CompensatorTest, EntriesThatAreNoFiniteNumberAreRefusedByReplot)
+{
+    type(IDC_COMP_ZERO_EDIT, "nan");
+    click(IDC_COMP_ADD);
+    click(IDC_COMP_REPLOT);
+    select(IDC_COMP_ZEROS, 0);
+    click(IDC_COMP_DEL);
+    type(IDC_COMP_GAIN, "inf");
+    click(IDC_COMP_REPLOT);
+    click(IDOK);
+    design();
+    EXPECT_EQ(countLines(lines()[messageLine("The compensator holds a value that is not a finite number; "
+                                             "nothing is replotted.")]),
+              2)
+        << platform::transcriptText();
+    EXPECT_EQ(marginDialogs(), 0);
+    EXPECT_EQ(rootLocusPlot, nullptr);
+}
+
+TEST_F(CompensatorTest, MoreLoopPolesThanAPlotHoldsTracesDrawOnlyTheBodePlots)
+{
+    /* 255 compensator poles and the plant's 2: 257 branches, one more than a plot holds */
+    for (int i = 1; i <= 255; i++) {
+        type(IDC_COMP_POLE_EDIT, "-" + std::to_string(i) + ",0");
+        click(IDC_COMP_ADD);
+    }
+    click(IDC_COMP_REPLOT);
+    click(IDOK);
+    design();
+    EXPECT_EQ(platform::scriptErrorCount(), 0);
+    EXPECT_EQ(currentCompensator.poleCount, 255);
+    EXPECT_EQ(loopPoleCount, 257);
+    EXPECT_GE(messageLine("The loop has 257 poles; a root locus plot holds at most 256 branches."), 0)
+        << platform::transcriptText();
+    EXPECT_EQ(marginDialogs(), 1);
+    EXPECT_EQ(rootLocusPlot, nullptr);
+}
