@@ -20,7 +20,7 @@ const std::vector<CommandSpec> &commandTable()
         {"tf", 243, true, "transfer function, zeros and poles"},
         {"compensator", 249, true,
          "compensator design; [--gain K] [--add-zero RE,IM] [--add-pole RE,IM] [--replot] [--ok]\n"
-         "                       (filled in this order, as typed into the dialog; without --ok it ends with Cancel)"},
+         "                        (filled in this order, as typed into the dialog; without --ok it ends with Cancel)"},
         {"select-compensator", 254, true, "select the compensator block (host)"},
         {"rlocus", 240, true, "root locus plot"},
         {"rlocus-options", 241, true, "root locus gain range; [--start K --stop K --steps N --auto|--no-auto]"},
@@ -29,8 +29,8 @@ const std::vector<CommandSpec> &commandTable()
         {"frequency-range", 235, true, "frequency range; [--start F --stop F --steps N]"},
         {"preferences", 246, true,
          "units, precision, thresholds; [--frequency-unit hertz|rad] [--phase-unit degrees|radians]\n"
-         "                       [--magnitude-unit db|log10] [--precision N] [--numerator-threshold X]\n"
-         "                       [--denominator-threshold X] [--negative-frequencies|--no-negative-frequencies]"},
+         "                        [--magnitude-unit db|log10] [--precision N] [--numerator-threshold X]\n"
+         "                        [--denominator-threshold X] [--negative-frequencies|--no-negative-frequencies]"},
         {"reuse-plots", 296, true, "toggle reuse of plots"},
         {"about", 245, true, "the about box"},
     };
