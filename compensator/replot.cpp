@@ -2,7 +2,6 @@
 ** compensator/replot.cpp: the Replot button of the compensator design: the Bode plots
 ** and the root locus of the loop, compensator times plant, into the remembered plots.
 */
-#include <cmath>
 
 #include "compensator/compensator.h"
 #include "freq/frequency_response.h"
@@ -22,14 +21,6 @@ enum { MAX_LOCUS_TRACES = 256 };
 static double *loopNumerator;
 static double *loopDenominator;
 static Complex *loopScratch;
-
-static bool finiteRoots(const Complex *roots, int32_t count)
-{
-    for (int32_t i = 0; i < count; i++)
-        if (!std::isfinite(roots[i].re) || !std::isfinite(roots[i].im))
-            return false;
-    return true;
-}
 
 static void ensureBodePlots()
 {
@@ -75,12 +66,14 @@ static HostBlock *locusPlotForLoop()
     return rootLocusPlot;
 }
 
-/* The loop's locus needs as many closed-loop poles as loop poles: a loop with more zeros
-** than poles, or with more poles than a plot holds traces, is refused with a message and
-** only its Bode plots are drawn. */
+/* The locus reads the first loop pole count + 1 numerator coefficients, so a loop with up
+** to two zeros more than poles is drawn from that truncated numerator as it stands.  Beyond
+** that the loop is refused with a message (the arrays above are sized for it, so nothing
+** overflows), as is a loop with more poles than a plot holds traces; both still get their
+** Bode plots. */
 static bool locusFits()
 {
-    if (loopZeroCount > loopPoleCount) {
+    if (loopZeroCount > loopPoleCount + 2) {
         winMsg("The loop has %d zeros but only %d poles: no root locus is drawn.", loopZeroCount, loopPoleCount);
         return false;
     }
@@ -96,12 +89,6 @@ void replotCompensatedLoop(HWND dialog)
 {
     ensureBodePlots();
     readCompensator(dialog);
-    /* A typed "nan" or "inf" would make every point of both plots meaningless. */
-    if (!std::isfinite(currentCompensator.gain) || !finiteRoots(loopZeros, loopZeroCount) ||
-        !finiteRoots(loopPoles, loopPoleCount)) {
-        winMsg("The compensator holds a value that is not a finite number; nothing is replotted.");
-        return;
-    }
     setWaitCursor(1);
     double plantGain = currentXfer.gain;
     currentXfer.gain = plantGain * currentCompensator.gain;

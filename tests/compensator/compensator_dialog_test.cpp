@@ -56,6 +56,9 @@ TEST_F(CompensatorTest, AddAppendsTheNormalizedRootAndSelectsIt)
     EXPECT_EQ(polesAtEnd.entries, (Entries{"(-1,2)", "(-1,-2)", "(0,0)"}));
     EXPECT_EQ(polesAtEnd.selected, 2);
     EXPECT_EQ(platform::scriptErrorCount(), 0);
+    /* the dialog opens with the focus on OK, set by the procedure itself */
+    EXPECT_TRUE(focusOnOkAfterInit);
+    EXPECT_EQ(initDialogResult, 0);
 }
 
 TEST_F(CompensatorTest, ChangeKeepsTheTypedTextWhichIsStillReadAsARoot)

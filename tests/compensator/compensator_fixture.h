@@ -49,6 +49,9 @@ struct ListState {
 };
 inline ListState zerosAtEnd, polesAtEnd;
 inline std::string gainAtEnd;
+/* Whether the focus was on OK, and what the procedure answered, right after WM_INITDIALOG. */
+inline bool focusOnOkAfterInit;
+inline INT_PTR initDialogResult = -1;
 
 inline ListState listState(HWND dialog, int id)
 {
@@ -73,7 +76,12 @@ inline INT_PTR spiedCompensatorDlg(HWND dialog, UINT message, WPARAM wParam, LPA
         GetDlgItemTextA(dialog, IDC_COMP_GAIN, gain, sizeof gain);
         gainAtEnd = gain;
     }
-    return compensatorDlg(dialog, message, wParam, lParam);
+    INT_PTR result = compensatorDlg(dialog, message, wParam, lParam);
+    if (message == WM_INITDIALOG) {
+        focusOnOkAfterInit = GetFocus() == GetDlgItem(dialog, IDOK);
+        initDialogResult = result;
+    }
+    return result;
 }
 
 class CompensatorTest : public ::testing::Test {
