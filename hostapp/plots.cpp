@@ -114,11 +114,16 @@ PlotBlock *findByTraceList(const HostList *points, int *trace)
     return nullptr;
 }
 
+/* The most points one trace of a plot holds (32 MiB of doubles): a step count typed
+** into a settings file or dialog must not make the host reserve gigabytes and write an
+** SVG file nobody can open; beyond it nothing is reserved and the analysis draws nothing. */
+const uint32_t PLOT_MAX_POINTS = 1u << 22;
+
 /* A point count of the record as a count of doubles to reserve: the plug-in stores
 ** a signed step count there, so a "negative" count reserves nothing. */
 uint32_t reservableCount(uint32_t pointCount)
 {
-    return pointCount > (uint32_t)INT32_MAX ? 0 : pointCount;
+    return pointCount > PLOT_MAX_POINTS ? 0 : pointCount;
 }
 
 double *newValues(uint32_t count)
@@ -273,6 +278,10 @@ void preallocDList(HostList *tracePoints, uint32_t *pointIndex)
         return;
     /* One spare element, so that a writer counting points from 1 cannot run past the end. */
     uint32_t count = reservableCount(p->record.pointCount);
+    if (count == 0 && p->record.pointCount > PLOT_MAX_POINTS && p->record.pointCount <= (uint32_t)INT32_MAX)
+        platform::transcriptNote("[error] Plot " + std::string(p->record.title) + ": " +
+                                 std::to_string(p->record.pointCount) + " points are more than the " +
+                                 std::to_string(PLOT_MAX_POINTS) + " a plot holds");
     uint32_t reserved = count ? count + 1 : 0;
     gfree(tracePoints->items);
     tracePoints->items = (void **)newValues(reserved);

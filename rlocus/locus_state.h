@@ -14,6 +14,8 @@
 
 /* The taken set has one bit per branch: the locus tracks at most this many branches. */
 inline constexpr int32_t ROOT_LOCUS_MAX_BRANCHES = 1024;
+/* The most gain steps of one sweep (see rootLocus). */
+inline constexpr int32_t ROOT_LOCUS_MAX_STEPS = 1 << 16;
 
 /* Module state of the root locus.  The step buffers (closedLoop, companion, roots,
 ** previous) are kept from run to run and enlarged when the order grows; the auto

@@ -374,6 +374,13 @@ double rootLocus(PlotRecord *plot, const double *num, const double *den, int32_t
     int32_t steps = gainRange.steps;
     if (n < 1 || steps < 2 || !plot || !num || !den)
         return 0.0;
+    /* Every step is an eigenvalue problem, and the automatic mode may redo one over a
+    ** hundred times: a step count typed far beyond any plot (up to 2^31) would keep the
+    ** host busy for hours, so it is refused with a message instead. */
+    if (steps > ROOT_LOCUS_MAX_STEPS) {
+        winMsg("Root locus: %d steps are more than the %d a root locus plot can take.", steps, ROOT_LOCUS_MAX_STEPS);
+        return 0.0;
+    }
     /* The taken set bounds the tracking; a larger order is refused, not drawn half. */
     if (n > ROOT_LOCUS_MAX_BRANCHES) {
         winMsg("Root locus: %d closed-loop poles are more than the %d branches that can be tracked.", n,

@@ -108,3 +108,26 @@ TEST_F(Analyses, BadDiagramFilesAreRefusedWithTheirLine)
 }
 
 }
+
+namespace {
+
+TEST_F(Analyses, StepCountsBeyondWhatAPlotHoldsAreRefusedNotRun)
+{
+    writeFile(dir.file("tervan.ini"), "[tervan]\nfreqSteps=100000000\n");
+    RunResult run = praxa("servo.json", "bode");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_NE(run.out.find("[error] Plot Bode-Magnitude1: 100000000 points are more than the 4194304 a plot holds\n"),
+              std::string::npos)
+        << run.out;
+    EXPECT_EQ(run.out.find("[dialog] Phase and Gain Margins"), std::string::npos) << "nothing is computed";
+
+    writeFile(dir.file("session.txt"), "rlocus-options --start 0 --stop 10 --steps 100000000\nrlocus\n");
+    run = runPraxa("--settings " + dir.file("tervan.ini") + " --out " + dir.path + " --script " +
+                   dir.file("session.txt") + " " + examplePath("servo.json"));
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_NE(run.out.find("[Tervan] Root locus: 100000000 steps are more than the 65536 a root locus plot can take.\n"),
+              std::string::npos)
+        << run.out;
+}
+
+}
