@@ -108,18 +108,22 @@ bool parseDialogAction(const std::vector<std::string> &words, DialogAction &a, s
     return false;
 }
 
+/* The value after args[i] (i moves onto it); false with a message when there is none. */
+static bool takeValue(const std::vector<std::string> &args, size_t &i, std::string &value, std::string &error)
+{
+    if (i + 1 >= args.size()) {
+        error = "option " + args[i] + " needs a value";
+        return false;
+    }
+    value = args[++i];
+    return true;
+}
+
 /* Options every command accepts: raw dialog actions. */
 static bool parseGenericOption(const std::vector<std::string> &args, size_t &i, CommandRun &run, std::string &error)
 {
     const std::string &option = args[i];
-    auto valueOf = [&](std::string &value) {
-        if (i + 1 >= args.size()) {
-            error = "option " + option + " needs a value";
-            return false;
-        }
-        value = args[++i];
-        return true;
-    };
+    auto valueOf = [&](std::string &value) { return takeValue(args, i, value, error); };
     std::string value;
     if (option == "--cancel") {
         run.actions.push_back(action("", ActionKind::Cancel, 0));
@@ -171,14 +175,7 @@ bool parseCommandOptions(const CommandSpec &command, const std::vector<std::stri
 
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string &option = args[i];
-        auto next = [&](std::string &value) {
-            if (i + 1 >= args.size()) {
-                error = "option " + option + " needs a value";
-                return false;
-            }
-            value = args[++i];
-            return true;
-        };
+        auto next = [&](std::string &value) { return takeValue(args, i, value, error); };
         auto typed = [&](int control) {
             std::string value;
             if (!next(value))

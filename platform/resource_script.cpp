@@ -857,13 +857,7 @@ private:
         d.extended = extended;
         d.style = 0x80000000 | WS_BORDER_ | 0x00080000;    /* WS_POPUP | WS_BORDER | WS_SYSMENU */
         skipMemoryOptions();
-        d.x = coordinate();
-        in_.expect(",");
-        d.y = coordinate();
-        in_.expect(",");
-        d.cx = coordinate();
-        in_.expect(",");
-        d.cy = coordinate();
+        position(d);
         if (extended && in_.accept(","))
             number();   /* help id */
         for (;;) {
@@ -1001,7 +995,8 @@ private:
         fail(keyword, "expected a control or END, found " + describe(&keyword));
     }
 
-    void position(ControlTemplate &c)
+    /* x, y, cx, cy of a dialog or a control. */
+    template <typename Placed> void position(Placed &c)
     {
         c.x = coordinate();
         in_.expect(",");

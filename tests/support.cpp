@@ -48,6 +48,16 @@ void startHostWithPlugin(const std::string &settingsPath, const std::string &out
     praxaInit(host.mainWindow);
 }
 
+const char *const SERVO_MODEL_FILE = "function [a,b,c,d] = servo\n"
+                                     "a = [-10 0 0 ;\n"
+                                     "    10 -1 0 ;\n"
+                                     "    0 1 0 ];\n"
+                                     "b = [2 ;\n"
+                                     "    0 ;\n"
+                                     "    0 ];\n"
+                                     "c = [0 0 1 ];\n"
+                                     "d = [0 ];\n";
+
 std::string examplePath(const std::string &name)
 {
     return std::string(PRAXA_SOURCE_DIR) + "/examples/" + name;
@@ -61,6 +71,27 @@ Matrix *matrixFromRows(uint32_t rows, uint32_t cols, std::initializer_list<doubl
         for (uint32_t j = 0; j < cols && it != values.end(); j++)
             m->data[j * rows + i] = *it++;
     return m;
+}
+
+platform::ResourceScript projectResourceScript()
+{
+    std::string source = readFile(std::string(PRAXA_SOURCE_DIR) + "/resources/praxa.rc");
+    std::string header = readFile(std::string(PRAXA_SOURCE_DIR) + "/resources/prxdlg.h");
+    return platform::parseResourceScript(
+        "praxa.rc", source, [&](const std::string &name) { return name == "prxdlg.h" ? &header : nullptr; });
+}
+
+const platform::DialogTemplate *findTemplate(const platform::ResourceScript &script, const std::string &name)
+{
+    for (const platform::DialogTemplate &d : script.dialogs)
+        if (d.name == name)
+            return &d;
+    return nullptr;
+}
+
+uint32_t styleSymbol(const char *name)
+{
+    return (uint32_t)platform::predefinedSymbol(name).value();
 }
 
 std::string readFile(const std::string &path)

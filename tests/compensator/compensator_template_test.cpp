@@ -12,7 +12,7 @@
 
 namespace {
 
-DWORD symbol(const char *name) { return (DWORD)platform::predefinedSymbol(name).value(); }
+DWORD symbol(const char *name) { return testing_support::styleSymbol(name); }
 
 struct Expected {
     int id;
@@ -25,15 +25,9 @@ struct Expected {
 
 TEST(CompensatorTemplate, TitleFontSizeFrameAndControlsInTabOrder)
 {
-    std::string source = testing_support::readFile(std::string(PRAXA_SOURCE_DIR) + "/resources/praxa.rc");
-    std::string header = testing_support::readFile(std::string(PRAXA_SOURCE_DIR) + "/resources/prxdlg.h");
-    platform::ResourceScript script = platform::parseResourceScript(
-        "praxa.rc", source, [&](const std::string &name) { return name == "prxdlg.h" ? &header : nullptr; });
+    platform::ResourceScript script = testing_support::projectResourceScript();
     ASSERT_EQ(script.error, "");
-    const platform::DialogTemplate *dialog = nullptr;
-    for (const platform::DialogTemplate &d : script.dialogs)
-        if (d.name == "COMPENSATORDESIGN")
-            dialog = &d;
+    const platform::DialogTemplate *dialog = testing_support::findTemplate(script, "COMPENSATORDESIGN");
     ASSERT_NE(dialog, nullptr);
     EXPECT_EQ(dialog->caption, "Compensator Design");
     EXPECT_EQ(dialog->fontFace, "Microsoft Sans Serif");

@@ -21,16 +21,6 @@ protected:
     std::string transcript() const { return platform::transcriptText(); }
 };
 
-const char *const SERVO_FILE = "function [a,b,c,d] = servo\n"
-                               "a = [-10 0 0 ;\n"
-                               "    10 -1 0 ;\n"
-                               "    0 1 0 ];\n"
-                               "b = [2 ;\n"
-                               "    0 ;\n"
-                               "    0 ];\n"
-                               "c = [0 0 1 ];\n"
-                               "d = [0 ];\n";
-
 TEST_F(LinearizeDialog, ServoToANamedResultFile)
 {
     loadExample("servo.json");
@@ -39,7 +29,7 @@ TEST_F(LinearizeDialog, ServoToANamedResultFile)
     act(platform::ActionKind::Click, IDOK);
     EXPECT_EQ(praxaCmd(CMD_LINEARIZE), 1);
     EXPECT_EQ(platform::pendingDialogActions(), 0u) << transcript();
-    EXPECT_EQ(testing_support::readFile(dir.file("servo.m")), SERVO_FILE) << transcript();
+    EXPECT_EQ(testing_support::readFile(dir.file("servo.m")), testing_support::SERVO_MODEL_FILE) << transcript();
     EXPECT_EQ(linOutputChoice, LIN_OUTPUT_SCREEN);
 
     /* The name is remembered without its extension, and screen display is chosen again. */
@@ -152,22 +142,16 @@ TEST_F(LinearizeDialog, FailedLinearizationStillOpensTheDialog)
 
 TEST(LinearizeTemplate, TitleSizeFontControlsAndStyles)
 {
-    std::string source = testing_support::readFile(std::string(PRAXA_SOURCE_DIR) + "/resources/praxa.rc");
-    std::string header = testing_support::readFile(std::string(PRAXA_SOURCE_DIR) + "/resources/prxdlg.h");
-    platform::ResourceScript script = platform::parseResourceScript(
-        "praxa.rc", source, [&](const std::string &name) { return name == "prxdlg.h" ? &header : nullptr; });
+    platform::ResourceScript script = testing_support::projectResourceScript();
     ASSERT_EQ(script.error, "");
-    const platform::DialogTemplate *dialog = nullptr;
-    for (const platform::DialogTemplate &d : script.dialogs)
-        if (d.name == "LINEARIZE")
-            dialog = &d;
+    const platform::DialogTemplate *dialog = testing_support::findTemplate(script, "LINEARIZE");
     ASSERT_NE(dialog, nullptr);
     EXPECT_EQ(dialog->caption, "System Linearization");
     EXPECT_EQ((std::vector<int>{dialog->x, dialog->y, dialog->cx, dialog->cy}), (std::vector<int>{37, 18, 159, 120}));
     EXPECT_EQ(dialog->fontFace, "Microsoft Sans Serif");
     EXPECT_EQ(dialog->fontSize, 10);
 
-    auto symbol = [](const char *name) { return (DWORD)platform::predefinedSymbol(name).value(); };
+    auto symbol = testing_support::styleSymbol;
     struct Expected {
         int id;
         const char *className;

@@ -94,15 +94,9 @@ TEST_F(NyquistDialog, EscapeKeepsTheValueAndHelpIsNotHandled)
 
 TEST(NyquistTemplate, HasItsTitleLabelEditAndButtons)
 {
-    std::string source = testing_support::readFile(std::string(PRAXA_SOURCE_DIR) + "/resources/praxa.rc");
-    std::string header = testing_support::readFile(std::string(PRAXA_SOURCE_DIR) + "/resources/prxdlg.h");
-    platform::ResourceScript script = platform::parseResourceScript(
-        "praxa.rc", source, [&](const std::string &name) { return name == "prxdlg.h" ? &header : nullptr; });
+    platform::ResourceScript script = testing_support::projectResourceScript();
     ASSERT_EQ(script.error, "");
-    const platform::DialogTemplate *d = nullptr;
-    for (const platform::DialogTemplate &t : script.dialogs)
-        if (t.name == "NYQUISTINFINITI")
-            d = &t;
+    const platform::DialogTemplate *d = testing_support::findTemplate(script, "NYQUISTINFINITI");
     ASSERT_NE(d, nullptr);
     EXPECT_EQ(d->caption, "Nyquist");
     EXPECT_EQ(d->fontFace, "Microsoft Sans Serif");

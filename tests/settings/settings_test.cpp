@@ -489,14 +489,6 @@ TEST_F(Settings, RootLocusOptionsRefuseNegativeGainsAndBadEntries)
 
 /* ---- The three templates as the build embeds them ---- */
 
-const platform::DialogTemplate *templateNamed(const platform::ResourceScript &script, const char *name)
-{
-    for (const platform::DialogTemplate &d : script.dialogs)
-        if (d.name == name)
-            return &d;
-    return nullptr;
-}
-
 /* The control with this id, or for id -1 the one with this text; null when absent. */
 const platform::ControlTemplate *controlOf(const platform::DialogTemplate &d, int id, const std::string &text = "")
 {
@@ -535,13 +527,10 @@ void expectEdit(const platform::DialogTemplate &d, int id)
 
 TEST(SettingsTemplates, TitlesSizesFontsAndControls)
 {
-    std::string source = readFile(std::string(PRAXA_SOURCE_DIR) + "/resources/praxa.rc");
-    std::string header = readFile(std::string(PRAXA_SOURCE_DIR) + "/resources/prxdlg.h");
-    platform::ResourceScript script = platform::parseResourceScript(
-        "praxa.rc", source, [&](const std::string &name) { return name == "prxdlg.h" ? &header : nullptr; });
+    platform::ResourceScript script = testing_support::projectResourceScript();
     ASSERT_EQ(script.error, "");
 
-    const platform::DialogTemplate *options = templateNamed(script, "PRX_OPTIONS");
+    const platform::DialogTemplate *options = testing_support::findTemplate(script, "PRX_OPTIONS");
     ASSERT_NE(options, nullptr);
     EXPECT_EQ(options->cx, 114);
     EXPECT_EQ(options->cy, 85);
@@ -556,7 +545,7 @@ TEST(SettingsTemplates, TitlesSizesFontsAndControls)
     expectButton(*options, 2, "Cancel", PUSH);
     expectButton(*options, 9, "Help", PUSH);
 
-    const platform::DialogTemplate *preferences = templateNamed(script, "PRX_PREFERENCES");
+    const platform::DialogTemplate *preferences = testing_support::findTemplate(script, "PRX_PREFERENCES");
     ASSERT_NE(preferences, nullptr);
     EXPECT_EQ(preferences->caption, "Praxa Preferences");
     EXPECT_EQ(preferences->cx, 140);
@@ -583,7 +572,7 @@ TEST(SettingsTemplates, TitlesSizesFontsAndControls)
     expectButton(*preferences, 9, "Help", PUSH);
 
     /* Its OK is an ordinary push button: Enter still gives IDOK, as in a dialog without a default. */
-    const platform::DialogTemplate *rootLocus = templateNamed(script, "ROOT_LOC_OPTIONS");
+    const platform::DialogTemplate *rootLocus = testing_support::findTemplate(script, "ROOT_LOC_OPTIONS");
     ASSERT_NE(rootLocus, nullptr);
     EXPECT_EQ(rootLocus->caption, "Root Locus Options");
     EXPECT_EQ(rootLocus->cx, 124);

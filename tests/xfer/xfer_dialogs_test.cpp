@@ -270,15 +270,9 @@ TEST_F(XferDialogs, NoDialogWithoutTheInfoFlag)
 
 namespace {
 
-const platform::DialogTemplate *findTemplate(const platform::ResourceScript &script, const std::string &name)
-{
-    for (const platform::DialogTemplate &d : script.dialogs)
-        if (d.name == name)
-            return &d;
-    return nullptr;
-}
+using testing_support::findTemplate;
 
-DWORD symbol(const char *name) { return (DWORD)platform::predefinedSymbol(name).value(); }
+DWORD symbol(const char *name) { return testing_support::styleSymbol(name); }
 
 void expectControl(const platform::ControlTemplate &c, int id, const char *className, const char *text,
                    int x, int y, int cx, int cy)
@@ -297,10 +291,7 @@ void expectControl(const platform::ControlTemplate &c, int id, const char *class
 
 TEST_F(XferDialogs, TemplatesHaveTheirTitlesFontsSizesControlsAndStyles)
 {
-    std::string source = testing_support::readFile(std::string(PRAXA_SOURCE_DIR) + "/resources/praxa.rc");
-    std::string header = testing_support::readFile(std::string(PRAXA_SOURCE_DIR) + "/resources/prxdlg.h");
-    platform::ResourceScript script = platform::parseResourceScript(
-        "praxa.rc", source, [&](const std::string &name) { return name == "prxdlg.h" ? &header : nullptr; });
+    platform::ResourceScript script = testing_support::projectResourceScript();
     ASSERT_EQ(script.error, "");
 
     const platform::DialogTemplate *info = findTemplate(script, "TRANSFERINFO_BOX");
