@@ -19,6 +19,7 @@
 #include "hostapp/diagram.h"
 #include "hostapp/host_state.h"
 #include "hostapp/plugin_loader.h"
+#include "hostapp/report_command.h"
 #include "platform/driver.h"
 
 namespace hostapp {
@@ -304,6 +305,22 @@ LRESULT mainWindowMessage(UINT message, WPARAM wParam, LPARAM)
     return 0;
 }
 
+/* The report on the selection: only the report is printed, or what the plug-in said
+** when it could not linearize. */
+int runReport(const SessionStep &step)
+{
+    std::string text, error;
+    if (!selectionReport(step.run.json, &text, &error)) {
+        printTranscript();
+        std::fprintf(stderr, "praxa: %s: %s\n", step.where.c_str(), error.c_str());
+        return EXIT_REFUSED;
+    }
+    platform::clearTranscript();
+    std::fputs(text.c_str(), stdout);
+    std::fflush(stdout);
+    return EXIT_RAN;
+}
+
 int runStep(const SessionStep &step)
 {
     HostState &state = host();
@@ -313,6 +330,8 @@ int runStep(const SessionStep &step)
             return unusable(step.where + ": " + error);
         return EXIT_RAN;
     }
+    if (step.run.command->id == 0)
+        return runReport(step);
     platform::clearDialogActions();
     for (const platform::DialogAction &action : step.run.actions)
         platform::queueDialogAction(action);

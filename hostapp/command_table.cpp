@@ -33,6 +33,7 @@ const std::vector<CommandSpec> &commandTable()
          "                        [--denominator-threshold X] [--negative-frequencies|--no-negative-frequencies]"},
         {"reuse-plots", 296, true, "toggle reuse of plots"},
         {"about", 245, true, "the about box"},
+        {"report", 0, true, "exact margins, closed loop and step response of the linearized loop; [--json]"},
     };
     return table;
 }
@@ -224,6 +225,9 @@ bool parseCommandOptions(const CommandSpec &command, const std::vector<std::stri
                 run.actions.push_back(action(dialog, ActionKind::Click, IDC_COMP_ADD));
         } else if (name == "compensator" && (option == "--replot" || option == "--ok")) {
             run.actions.push_back(action(dialog, ActionKind::Click, option == "--ok" ? IDOK : IDC_COMP_REPLOT));
+            ok = true;
+        } else if (name == "report" && option == "--json") {
+            run.json = true;
             ok = true;
         } else if (name == "preferences" && option == "--frequency-unit") {
             ok = choice({{"hertz", IDC_PREF_HERTZ}, {"rad", IDC_PREF_RADIANS_SEC}});

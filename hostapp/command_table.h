@@ -15,7 +15,7 @@ namespace hostapp {
 
 struct CommandSpec {
     const char *name;
-    uint16_t id;
+    uint16_t id;                /* the plug-in's menu command; 0 for the host's own (report) */
     bool available;             /* false: the analysis is not in this build */
     const char *summary;
 };
@@ -27,6 +27,7 @@ const CommandSpec *findCommand(const std::string &name);
 struct CommandRun {
     const CommandSpec *command = nullptr;
     std::vector<platform::DialogAction> actions;
+    bool json = false;          /* report --json */
 };
 
 /* Turns a command's options (args after the command name) into dialog actions.

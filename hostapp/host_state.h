@@ -12,6 +12,8 @@
 #include "host/records.h"
 #include "platform/winapi.h"
 
+struct StateSpaceModel;
+
 namespace hostapp {
 
 /* The plug-in's exported entry points, found by name (dlsym) or linked directly (tests). */
@@ -21,6 +23,9 @@ struct PluginEntries {
     int (*event)(int32_t code, intptr_t arg) = nullptr;
     void (*selectRefPoint)(RefPoint *point) = nullptr;
     void (*resetRefPoints)() = nullptr;
+    /* The plug-in's last linearized model and its sample period (read by report). */
+    const StateSpaceModel *model = nullptr;
+    const double *samplePeriod = nullptr;
 };
 
 struct HostState {
@@ -36,6 +41,7 @@ struct HostState {
     uint64_t lastAllocationBytes = 0;   /* size of the last galloc/grealloc */
     int blockErrors = 0;
     int internalLinearizeAnswer = 1;    /* answer to internal request 1 */
+    int linearizations = 0;             /* calcACMatrix runs that filled A and C */
     std::string currentOutputFile;      /* path of the file fileOpen opened, empty when none */
 };
 

@@ -9,6 +9,7 @@
 
 #include "host/host.h"
 #include "hostapp/engine.h"
+#include "hostapp/host_state.h"
 #include "numeric/matrix.h"
 
 namespace {
@@ -255,6 +256,7 @@ void calcACMatrix(Matrix *A, Matrix *C, double *y, HostList *executionList, Host
         C->data[j] = (yPlus - yMinus) / (2 * step);
     }
     executeBlocks(blocks, diagram->time);
+    hostapp::host().linearizations++;
 }
 
 /* Code 8, a simulation step: the stand-in's blocks hold their values between steps and

@@ -14,6 +14,7 @@
 #include "host/host.h"
 #include "hostapp/host_state.h"
 #include "hostapp/plot_bounds.h"
+#include "hostapp/plot_csv.h"
 #include "hostapp/svg_plot.h"
 #include "platform/driver.h"
 
@@ -168,15 +169,19 @@ std::string fileNameFor(const PlotBlock &p)
     }
 }
 
-/* Writes the plot's picture; says in the transcript which file, or why not. */
+/* Writes the plot's picture and, beside it, its numbers; says in the transcript which
+** picture, or what could not be written. */
 void writePlot(PlotBlock &p, bool note)
 {
     std::string path = outputPath(p.fileName);
+    std::string dataPath = outputPath(plotDataFileName(p.fileName));
     std::string error;
     if (!writeSvgFile(path, renderPlotSvg(p.view()), &error))
         platform::transcriptNote("[plot] cannot write " + path + ": " + error);
     else if (note)
         platform::transcriptNote("[plot] " + p.fileName);
+    if (!writeSvgFile(dataPath, renderPlotCsv(p.view()), &error))
+        platform::transcriptNote("[plot] cannot write " + dataPath + ": " + error);
 }
 
 }

@@ -42,7 +42,9 @@ bool loadPlugin(const std::string &path, PluginEntries &entries, std::string &er
            findEntry(library, "praxaCmd", entries.command, error) &&
            findEntry(library, "praxaEvent", entries.event, error) &&
            findEntry(library, "selLinRefPoint", entries.selectRefPoint, error) &&
-           findEntry(library, "linResetRefPoints", entries.resetRefPoints, error);
+           findEntry(library, "linResetRefPoints", entries.resetRefPoints, error) &&
+           findEntry(library, "stateSpaceModel", entries.model, error) &&
+           findEntry(library, "samplePeriod", entries.samplePeriod, error);
 }
 
 }

@@ -44,6 +44,8 @@ void startHostWithPlugin(const std::string &settingsPath, const std::string &out
     host.plugin.event = praxaEvent;
     host.plugin.selectRefPoint = selLinRefPoint;
     host.plugin.resetRefPoints = linResetRefPoints;
+    host.plugin.model = &stateSpaceModel;
+    host.plugin.samplePeriod = &samplePeriod;
     host.mainWindow = platform::createMainWindow("Tervan");
     praxaInit(host.mainWindow);
 }

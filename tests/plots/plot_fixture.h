@@ -121,7 +121,8 @@ protected:
     {
         std::vector<std::string> names;
         for (const auto &entry : std::filesystem::directory_iterator(outputDir))
-            names.push_back(entry.path().filename().string());
+            if (entry.path().extension() == ".svg")
+                names.push_back(entry.path().filename().string());
         std::sort(names.begin(), names.end());
         return names;
     }

@@ -1,0 +1,218 @@
+/*
+** tests/analysis/report_test.cpp: the report's figures against closed forms: margins
+** and crossovers of classic loops (located to 1e-9 relative), closed-loop poles and
+** damping, bandwidth, step figures, a sampled loop on the unit circle, and the models
+** that have no margin, no stable closed loop or no usable numbers.
+*/
+#include <cmath>
+#include <limits>
+#include <numbers>
+#include <optional>
+
+#include <gtest/gtest.h>
+
+#include "analysis/report.h"
+
+using analysis::Model;
+using analysis::Report;
+
+namespace {
+
+const double PI = std::numbers::pi;
+const double DEG = 180.0 / PI;
+
+/* N(s)/D(s) in controllable canonical form: den monic, ascending a0 ... a(n-1) (the
+** leading 1 left out), num ascending b0 ... b(n-1). */
+Model canonical(std::vector<double> num, std::vector<double> den, double samplePeriod = 0.0)
+{
+    Model m;
+    uint32_t n = (uint32_t)den.size();
+    m.order = n;
+    m.a.assign((size_t)n * n, 0.0);
+    for (uint32_t i = 0; i + 1 < n; i++)
+        m.a[(size_t)(i + 1) * n + i] = 1.0;
+    for (uint32_t j = 0; j < n; j++)
+        m.a[(size_t)j * n + (n - 1)] = -den[j];
+    m.b.assign(n, 0.0);
+    m.b[n - 1] = 1.0;
+    num.resize(n, 0.0);
+    m.c = num;
+    m.samplePeriod = samplePeriod;
+    return m;
+}
+
+void expectRelative(const std::optional<double> &got, double want, double tolerance, const char *what)
+{
+    ASSERT_TRUE(got.has_value()) << what;
+    EXPECT_NEAR(*got, want, tolerance * std::fabs(want)) << what;
+}
+
+}
+
+TEST(Report, MarginsOfClassicLoops)
+{
+    /* K/(s+1)^3: phase crossover sqrt 3 with |L| = K/8; gain crossover where (w^2+1)^3 = K^2. */
+    double wgc4 = std::sqrt(std::cbrt(16.0) - 1);
+    /* wn^2/(s(s + 2 zeta wn)), zeta 0.5, wn 2: crossover wn sqrt(sqrt(1 + 4 zeta^4) - 2 zeta^2). */
+    double x = std::sqrt(std::sqrt(1.25) - 0.5);
+    struct Row {
+        const char *name;
+        Model model;
+        std::optional<double> phaseCrossover, gainMargin, gainCrossover, phaseMargin;
+    } rows[] = {
+        {"4/(s+1)^3", canonical({4}, {1, 3, 3}), std::sqrt(3.0), 2.0, wgc4, 180 - 3 * std::atan(wgc4) * DEG},
+        {"10/(s+1)^3", canonical({10}, {1, 3, 3}), std::sqrt(3.0), 0.8, std::sqrt(std::cbrt(100.0) - 1),
+         180 - 3 * std::atan(std::sqrt(std::cbrt(100.0) - 1)) * DEG},
+        {"(1-s)/((s+1)(s+2))", canonical({1, -1}, {2, 3}), std::sqrt(5.0), 3.0, std::nullopt, std::nullopt},
+        {"4/(s(s+2))", canonical({4}, {0, 2}), std::nullopt, std::nullopt, 2 * x, std::atan(1 / x) * DEG},
+        {"2/s", canonical({2}, {0}), std::nullopt, std::nullopt, 2.0, 90.0},
+    };
+    for (const Row &row : rows) {
+        SCOPED_TRACE(row.name);
+        Report r = analysis::analyzeModel(row.model);
+        ASSERT_EQ(r.problem, "");
+        ASSERT_EQ(r.margins.phaseCrossovers.size(), row.phaseCrossover ? 1u : 0u);
+        ASSERT_EQ(r.margins.gainCrossovers.size(), row.gainCrossover ? 1u : 0u);
+        if (row.phaseCrossover) {
+            expectRelative(r.margins.phaseCrossoverFrequency, *row.phaseCrossover, 1e-9, "phase crossover");
+            expectRelative(r.margins.gainMargin, *row.gainMargin, 1e-9, "gain margin");
+            expectRelative(r.margins.gainMarginDb, 20 * std::log10(*row.gainMargin), 1e-9, "gain margin dB");
+        } else {
+            EXPECT_FALSE(r.margins.gainMargin);
+        }
+        if (row.gainCrossover) {
+            expectRelative(r.margins.gainCrossoverFrequency, *row.gainCrossover, 1e-9, "gain crossover");
+            expectRelative(r.margins.phaseMargin, *row.phaseMargin, 1e-9, "phase margin");
+        } else {
+            EXPECT_FALSE(r.margins.phaseMargin);
+        }
+    }
+}
+
+TEST(Report, ClosedLoopAndStepOfClassicLoops)
+{
+    /* 4/(s+1)^3: T has the poles -1 + cbrt(4) e^(j pi (2k+1)/3) and T(0) = 4/5. */
+    Report cubic = analysis::analyzeModel(canonical({4}, {1, 3, 3}));
+    ASSERT_TRUE(cubic.closedLoop.stable);
+    ASSERT_EQ(cubic.closedLoop.poles.size(), 3u);
+    double r = std::cbrt(4.0);
+    for (auto want : {analysis::Root(-1 - r, 0), analysis::Root(-1 + r / 2, r * std::sqrt(3.0) / 2),
+                      analysis::Root(-1 + r / 2, -r * std::sqrt(3.0) / 2)}) {
+        bool found = false;
+        for (auto p : cubic.closedLoop.poles)
+            found = found || std::abs(p - want) < 1e-12;
+        EXPECT_TRUE(found) << want;
+    }
+    ASSERT_TRUE(cubic.step);
+    EXPECT_NEAR(cubic.step->finalValue, 0.8, 1e-12);
+    expectRelative(cubic.margins.delayMargin, *cubic.margins.phaseMargin / DEG / *cubic.margins.gainCrossoverFrequency,
+                   1e-12, "delay margin");
+
+    /* 4/(s(s+2)) closes to wn 2, zeta 0.5: overshoot e^(-pi zeta/sqrt(1-zeta^2)), peak at pi/wd. */
+    Report second = analysis::analyzeModel(canonical({4}, {0, 2}));
+    ASSERT_TRUE(second.step);
+    for (size_t i = 0; i < 2; i++) {
+        expectRelative(second.closedLoop.damping[i], 0.5, 1e-12, "damping");
+        expectRelative(second.closedLoop.naturalFrequency[i], 2.0, 1e-12, "natural frequency");
+    }
+    expectRelative(second.step->overshootPercent, 100 * std::exp(-PI / std::sqrt(3.0)), 1e-6, "overshoot");
+    expectRelative(second.step->peakTime, PI / std::sqrt(3.0), 1e-6, "peak time");
+    /* |T(jw)|^2 = 16/((4 - w^2)^2 + 4 w^2) = 1/2: w^2 = 2 + sqrt 20. */
+    expectRelative(second.closedLoop.bandwidth, std::sqrt(2 + std::sqrt(20.0)), 1e-9, "bandwidth");
+
+    /* 2/s: T = 2/(s+2): rise ln 9 / 2, settling ln 50 / 2, no overshoot, bandwidth 2, Ms 1. */
+    Report first = analysis::analyzeModel(canonical({2}, {0}));
+    ASSERT_TRUE(first.step);
+    expectRelative(first.step->riseTime, std::log(9.0) / 2, 1e-6, "rise time");
+    expectRelative(first.step->settlingTime, std::log(50.0) / 2, 1e-6, "settling time");
+    EXPECT_EQ(*first.step->overshootPercent, 0.0);
+    expectRelative(first.closedLoop.bandwidth, 2.0, 1e-9, "bandwidth");
+    expectRelative(first.closedLoop.peakSensitivity, 1.0, 1e-12, "peak sensitivity");
+}
+
+TEST(Report, SampledIntegratorLoopOnTheUnitCircle)
+{
+    /* L(z) = K/(z-1), T = 0.1 s: phase -(pi + theta)/2 meets -180 deg at Nyquist, |L| = K/2 there;
+    ** |L| = 1 at theta = 2 asin(K/2), phase margin 90 - theta/2; T has its pole at 1 - K. */
+    const double K = 0.5, T = 0.1;
+    Report r = analysis::analyzeModel(canonical({K}, {-1}, T));
+    ASSERT_EQ(r.problem, "");
+    expectRelative(r.margins.phaseCrossoverFrequency, PI / T, 1e-12, "phase crossover");
+    expectRelative(r.margins.gainMargin, 2 / K, 1e-9, "gain margin");
+    double theta = 2 * std::asin(K / 2);
+    expectRelative(r.margins.gainCrossoverFrequency, theta / T, 1e-9, "gain crossover");
+    expectRelative(r.margins.phaseMargin, 90 - theta / 2 * DEG, 1e-9, "phase margin");
+    expectRelative(r.margins.delayMargin, (PI / 2 - theta / 2) / (theta / T), 1e-9, "delay margin");
+    ASSERT_EQ(r.closedLoop.poles.size(), 1u);
+    EXPECT_NEAR(r.closedLoop.poles[0].real(), 1 - K, 1e-15);
+    ASSERT_TRUE(r.step);
+    EXPECT_NEAR(r.step->finalValue, 1.0, 1e-12);
+    EXPECT_EQ(*r.step->overshootPercent, 0.0);
+}
+
+TEST(Report, ModelsWithoutMarginsOrStableLoop)
+{
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    Model withNan = canonical({1}, {1});
+    withNan.a[0] = nan;
+    EXPECT_EQ(analysis::analyzeModel(withNan).problem, "the model holds NaN or infinite entries");
+
+    Model gainOnly;
+    gainOnly.d = 2.0;
+    Report pure = analysis::analyzeModel(gainOnly);
+    EXPECT_TRUE(pure.margins.gainCrossovers.empty());
+    EXPECT_TRUE(pure.margins.phaseCrossovers.empty());
+    ASSERT_TRUE(pure.step);
+    EXPECT_NEAR(pure.step->finalValue, 2.0 / 3.0, 1e-15);
+
+    Model algebraic;
+    algebraic.d = -1.0;
+    Report illPosed = analysis::analyzeModel(algebraic);
+    EXPECT_FALSE(illPosed.closedLoop.wellPosed);
+    EXPECT_FALSE(illPosed.step);
+
+    /* 1/(s^2+1): poles on the axis at +-j; |L| = 1 at sqrt 2 with the phase at -180 deg, so
+    ** T = 1/(s^2+2) oscillates for ever. */
+    Report oscillator = analysis::analyzeModel(canonical({1}, {1, 0}));
+    ASSERT_EQ(oscillator.margins.gainCrossovers.size(), 1u);
+    EXPECT_NEAR(oscillator.margins.gainCrossovers[0].frequency, std::sqrt(2.0), 1e-9);
+    EXPECT_NEAR(oscillator.margins.gainCrossovers[0].margin, 0.0, 1e-9);
+    EXPECT_FALSE(oscillator.closedLoop.stable);
+    EXPECT_FALSE(oscillator.closedLoop.peakSensitivity);
+    EXPECT_FALSE(oscillator.margins.delayMargin);
+    EXPECT_FALSE(oscillator.step);
+}
+
+TEST(Report, PlainText)
+{
+    /* 2/s: crossover 2 rad/s with 90 deg, delay margin pi/4 s, T = 2/(s+2) over a horizon of 5 s. */
+    EXPECT_EQ(analysis::modelReportText(canonical({2}, {0})),
+              "Model (1 state, continuous)\n"
+              "  A                     0\n"
+              "  B (column)            1\n"
+              "  C                     2\n"
+              "  D                     0\n"
+              "Transfer function L(s) = K N(s)/D(s)\n"
+              "  gain K                2\n"
+              "  numerator N           1  (descending powers of s)\n"
+              "  denominator D         1  0\n"
+              "  zeros                 none\n"
+              "  poles                 0\n"
+              "Stability margins (exact, over the whole frequency axis)\n"
+              "  gain margin           none\n"
+              "  phase margin          90 deg at 2 rad/s (critical)\n"
+              "  delay margin          0.7853981634 s\n"
+              "  gain crossovers       2 rad/s: phase margin 90 deg\n"
+              "  phase crossovers      none\n"
+              "Closed loop T = L/(1+L)\n"
+              "  stable                yes\n"
+              "  poles                 -2  (damping 1, natural frequency 2 rad/s)\n"
+              "  bandwidth (-3 dB)     2 rad/s\n"
+              "  peak sensitivity Ms   1\n"
+              "Step response of T\n"
+              "  final value           1\n"
+              "  overshoot             0 %\n"
+              "  peak time             5 s\n"
+              "  rise time (10-90 %)   1.09861 s\n"
+              "  settling time (2 %)   1.95601 s\n");
+}
