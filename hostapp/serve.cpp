@@ -19,6 +19,7 @@
 
 #include "hostapp/diagram.h"
 #include "hostapp/host_state.h"
+#include "hostapp/plot_csv.h"
 #include "hostapp/plots.h"
 #include "hostapp/web_server.h"
 #include "platform/driver.h"
@@ -89,7 +90,7 @@ nlohmann::json plotsState()
         long long version = file.empty() ? -1 : fileVersion(outputPath(file));
         if (version < 0)
             continue;
-        std::string csv = file.substr(0, file.size() - 4) + ".csv";
+        std::string csv = plotDataFileName(file);
         plots.push_back({{"file", file}, {"title", file.substr(0, file.size() - 4)}, {"version", version},
                          {"csv", fileVersion(outputPath(csv)) >= 0 ? nlohmann::json(csv) : nlohmann::json(nullptr)}});
     }
