@@ -1,16 +1,13 @@
 /*
 ** tests/xfer/xfer_edge_test.cpp: zeros, poles, gain and coefficients of hand-derived
-** models: pure integrators, feed-through, first order, an uncancelled pole-zero pair
-** with a rounding residue, an output row that vanishes, pole snapping, the gain's test
-** points and its sign.
+** models: pure integrators, feed-through, first order, an uncancelled pole-zero pair,
+** an output row that vanishes, pole snapping and the gain's sign.
 */
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
-#include <complex>
 #include <memory>
-#include <numbers>
 #include <string>
 
 #include "hostapp/host_state.h"
@@ -48,23 +45,6 @@ Result transferFunctionOf(Model &m)
     r.poles.resize(n);
     r.gain = xferGain(m.A, m.B, m.C, m.D, r.poles.data(), r.zeros.data(), r.zeroCount, n);
     return r;
-}
-
-/* The gain search's test point after `steps` additions of 0.01 to 0.0. */
-double testPointAfter(int steps)
-{
-    double s = 0.0;
-    for (int i = 0; i < steps; i++)
-        s += 0.01;
-    return s;
-}
-
-std::complex<double> polynomialAt(const std::vector<double> &ascending, int degree, std::complex<double> s)
-{
-    std::complex<double> value = 0.0;
-    for (int i = degree; i >= 0; i--)
-        value = value * s + ascending[i];
-    return value;
 }
 
 class XferEdge : public ::testing::Test {
@@ -109,38 +89,19 @@ TEST_F(XferEdge, FeedThroughStopsTheReductionAtOnce)
     EXPECT_NEAR(r.gain, 1.0, 1e-12);
 }
 
-TEST_F(XferEdge, CoincidingPoleAndZeroAreNotCancelledAndTheResidueMakesAHugeZero)
+TEST_F(XferEdge, CoincidingPoleAndZeroAreNotCancelled)
 {
-    /* (s + 1)/((s + 1)(s + 2)(s + 3)) = (s + 1)/(s^3 + 6s^2 + 11s + 6) */
+    /* (s + 1)/((s + 1)(s + 2)(s + 3)): c b = 0 exactly, and after one pass the feed-through
+    ** is a rounding residue, which ends nothing; the zero -1 stays beside the pole -1. */
     std::unique_ptr<Model> m(controllableForm({1.0, 1.0, 0.0}, {6.0, 11.0, 6.0}));
-
-    Matrix *S = matrixFromRows(4, 4, {0, 0, 1, 0, 0, 0, 0, 1, 1, -6, -11, -6, 0, 1, 1, 0});
-    ASSERT_EQ(reduceSysMatrix(S, 3, 1e-270), 2);
-    double residue = element(S, 2, 0);
-    EXPECT_NE(residue, 0.0);
-    EXPECT_LT(std::fabs(residue), 1e-15);
-    gfree(S);
-
     Result r = transferFunctionOf(*m);
-    ASSERT_EQ(r.zeroCount, 2);
-    int small = std::fabs(r.zeros[0].re) < std::fabs(r.zeros[1].re) ? 0 : 1;
-    EXPECT_NEAR(r.zeros[small].re, -1.0, 1e-9);
-    EXPECT_GT(r.zeros[1 - small].re, 3.0e15);
-    EXPECT_LT(r.zeros[1 - small].re, 3.4e15);
-    EXPECT_GT(r.gain, -3.3e-16);
-    EXPECT_LT(r.gain, -2.9e-16);
+    ASSERT_EQ(r.zeroCount, 1);
+    EXPECT_NEAR(r.zeros[0].re, -1.0, 1e-12);
+    EXPECT_NEAR(r.gain, 1.0, 1e-12);
     bool poleAtMinusOne = false;
     for (const Complex &p : r.poles)
         poleAtMinusOne |= std::fabs(p.re + 1.0) < 1e-9;
     EXPECT_TRUE(poleAtMinusOne);
-
-    /* K N(s)/D(s) still matches 1/((s + 2)(s + 3)) away from the huge zero. */
-    for (std::complex<double> s : {std::complex<double>(0.5, 0), {1.0, 0}, {0, 2.0}, {-0.5, 1.5}}) {
-        std::complex<double> factored =
-            r.gain * polynomialAt(r.numerator, 2, s) / polynomialAt(r.denominator, 3, s);
-        std::complex<double> exact = 1.0 / ((s + 2.0) * (s + 3.0));
-        EXPECT_LT(std::abs(factored - exact) / std::abs(exact), 1e-9) << s;
-    }
 }
 
 TEST_F(XferEdge, PolesNextToTheOriginAreSnappedButZerosAreNot)
@@ -170,32 +131,47 @@ TEST_F(XferEdge, PolesNextToTheOriginAreSnappedButZerosAreNot)
     EXPECT_EQ(r.numerator[0], 9.9e-7);
 }
 
-/* Root lists handed in by a caller need not hold conjugate pairs, so the angle sum at
-** the test point can take any value; K is negated between 10 and 350 degrees. */
-TEST_F(XferEdge, GainSignFollowsTheAngleSumAtTheTestPoint)
+TEST_F(XferEdge, GainCarriesTheSign)
 {
-    Model unit(1, {-5}, {0}, {1}, 1.0);
-    auto gainFor = [&](std::vector<Complex> poles, std::vector<Complex> zeros = {}) {
-        return xferGain(unit.A, unit.B, unit.C, unit.D, poles.data(), zeros.data(), (int32_t)zeros.size(),
-                        (int32_t)poles.size());
-    };
-    auto degrees = [](double d) { return std::tan(d * std::numbers::pi / 180.0); };
-    /* one pole at -1 - i tan(theta): angle -theta at s0 = 0 */
-    EXPECT_GT(gainFor({{-1, -degrees(5)}}), 0.0);
-    EXPECT_LT(gainFor({{-1, -degrees(15)}}), 0.0);
-    /* two poles at 1 - i tan(theta): angle -(360 - 2 theta) */
-    EXPECT_GT(gainFor({{1, -degrees(2)}, {1, -degrees(2)}}), 0.0);
-    EXPECT_LT(gainFor({{1, -degrees(10)}, {1, -degrees(10)}}), 0.0);
-    /* -356 - 30 = -386 degrees, brought back to -26 */
-    EXPECT_LT(gainFor({{1, -degrees(2)}, {1, -degrees(2)}, {-1, -degrees(30)}}), 0.0);
-    /* five times -178 or +178 degrees: -890 or +890, brought back to -170 or +170 */
-    std::vector<Complex> five(5, Complex{1, -degrees(2)});
-    EXPECT_LT(gainFor(five), 0.0);
-    EXPECT_LT(gainFor({}, five), 0.0);
-    /* a zero adds its angle and a pole subtracts it: at the same point they leave 0 */
-    EXPECT_EQ(gainFor({{-1, -degrees(20)}}, {{-1, -degrees(20)}}), 1.0);
-    double k = gainFor({{-1, -1}});
-    EXPECT_DOUBLE_EQ(k, -std::sqrt(2.0));
+    Model minus(1, {-1}, {1}, {-2}, 0.0);
+    EXPECT_EQ(transferFunctionOf(minus).gain, -2.0);
+    /* an unstable pole at 3 makes the angle at s0 = 0 180 degrees: 2/(s - 3) */
+    Model unstable(1, {3}, {1}, {2}, 0.0);
+    EXPECT_NEAR(transferFunctionOf(unstable).gain, 2.0, 1e-14);
+    /* -(s - 2)/(s + 1): the zero at 2 gives -180 degrees */
+    Model rightZero(1, {-1}, {1}, {3}, -1.0);
+    Result r = transferFunctionOf(rightZero);
+    ASSERT_EQ(r.zeroCount, 1);
+    EXPECT_NEAR(r.zeros[0].re, 2.0, 1e-14);
+    EXPECT_NEAR(r.gain, -1.0, 1e-14);
+}
+
+TEST_F(XferEdge, ZeroOutputRowIsReportedAndGivesNoZeros)
+{
+    Model m(2, {0, 1, -2, -3}, {0, 1}, {0, 0}, 0.0);
+    Result r = transferFunctionOf(m);
+    EXPECT_TRUE(transcriptHas("Zero C matrix means no connection to output. Check for delay blocks."));
+    EXPECT_EQ(r.zeroCount, 0);
+    EXPECT_EQ(r.numerator, (std::vector<double>{1.0, 0.0, 0.0, 0.0}));
+    EXPECT_NEAR(r.denominator[0], 2.0, 1e-12);
+    EXPECT_NEAR(r.denominator[1], 3.0, 1e-12);
+    EXPECT_EQ(r.gain, 0.0);
+
+    platform::clearTranscript();
+    Model notANumber(2, {0, 1, -2, -3}, {0, 1}, {0, NAN}, 0.0);
+    transferFunctionOf(notANumber);
+    EXPECT_FALSE(transcriptHas("Zero C matrix"));
+}
+
+TEST_F(XferEdge, OutputRowVanishingInTheReductionMeansNoZeros)
+{
+    /* A = diag(-1, -2), b = (1, 0), c = (0, 1), d = 0: G = 0.  One pass leaves the output
+    ** row of the first state empty: G is identically 0, which has no zeros. */
+    Model m(2, {-1, 0, 0, -2}, {1, 0}, {0, 1}, 0.0);
+    Result r = transferFunctionOf(m);
+    EXPECT_FALSE(transcriptHas("Zero C matrix"));
+    EXPECT_EQ(r.zeroCount, 0);
+    EXPECT_EQ(r.gain, 0.0);
 }
 
 /* A non-finite element is carried through (the numeric core reports its own trouble);
