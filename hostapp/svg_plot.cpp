@@ -11,6 +11,7 @@
 #include <fstream>
 
 #include "hostapp/plot_bounds.h"
+#include "hostapp/svg_text.h"
 
 namespace hostapp {
 
@@ -28,28 +29,9 @@ const char *const PALETTE[] = {"#1f77b4", "#d62728", "#2ca02c", "#ff7f0e", "#946
                                "#8c564b", "#e377c2", "#17becf", "#7f7f7f", "#bcbd22"};
 constexpr int PALETTE_SIZE = sizeof PALETTE / sizeof PALETTE[0];
 
-std::string escapeXml(const std::string &text)
-{
-    std::string out;
-    for (char c : text) {
-        unsigned char u = (unsigned char)c;
-        switch (c) {
-        case '&': out += "&amp;"; break;
-        case '<': out += "&lt;"; break;
-        case '>': out += "&gt;"; break;
-        case '"': out += "&quot;"; break;
-        case '\'': out += "&apos;"; break;
-        default: out += (u < 0x20 || u >= 0x7F) ? '?' : c;    /* record texts are plain ASCII */
-        }
-    }
-    return out;
-}
-
 std::string number(double v, const char *format = "%.2f")
 {
-    char text[64];
-    std::snprintf(text, sizeof text, format, v);
-    return text;
+    return svgNumber(v, format);
 }
 
 /* One axis: the values shown from lo to hi over pixels from p0 to p1. */

@@ -130,7 +130,7 @@ TEST_F(PlotTest, FinishClearsTraceWordsAndSetsAxisKinds)
     }
     EXPECT_EQ(plot->flagsB & 0x03, 0);
     EXPECT_EQ(hostapp::host().repaints, 1);
-    EXPECT_EQ(platform::transcript().back(), "[plot] Bode-Phase0.svg");
+    EXPECT_EQ(platform::transcript().back(), "[plot] Bode-Phase.svg");
 }
 
 TEST_F(PlotTest, NyquistBoundsComeFromTheTraces)

@@ -85,7 +85,7 @@ TEST_F(RootLocusCommand, AutomaticRunLimitsTheBoundsToTheExtreme)
     EXPECT_LE(plot->xMax, m);
     EXPECT_GE(plot->yMin, -m);
     EXPECT_LE(plot->yMax, m);
-    EXPECT_TRUE(std::filesystem::exists(dir.file("Root Locus-1.svg")));
+    EXPECT_TRUE(std::filesystem::exists(dir.file("Root-Locus.svg")));
 }
 
 TEST_F(RootLocusCommand, ManualRunRecordsItsGainsAndReusesThePlot)
@@ -149,8 +149,8 @@ TEST_F(RootLocusCommand, ExecutableWritesTheSameLimitedPlot)
     RunResult run = runPraxa("--settings " + out.file("tervan.ini") + " --out " + out.path + " " +
                              examplePath("servo.json") + " rlocus");
     EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_NE(run.out.find("[plot] Root Locus-1.svg"), std::string::npos) << run.out;
-    std::string svg = readFile(out.file("Root Locus-1.svg"));
+    EXPECT_NE(run.out.find("[plot] Root-Locus.svg"), std::string::npos) << run.out;
+    std::string svg = readFile(out.file("Root-Locus.svg"));
     EXPECT_NE(svg.find("<title>Root Locus-1</title>"), std::string::npos);
     for (const char *trace : {"data-trace=\"0\" data-points=\"50\"", "data-trace=\"1\" data-points=\"50\"",
                               "data-trace=\"2\" data-points=\"50\""})
