@@ -4,7 +4,8 @@
 set -euo pipefail
 
 packages=(cmake g++ make pkg-config googletest libgtest-dev libbenchmark-dev
-          nlohmann-json3-dev liblapacke-dev libpugixml-dev libgraphviz-dev)
+          nlohmann-json3-dev liblapacke-dev libpugixml-dev libcpp-httplib-dev libgraphviz-dev
+          nodejs npm chromium fonts-liberation)
 
 missing=()
 for p in "${packages[@]}"; do
