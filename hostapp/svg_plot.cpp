@@ -6,8 +6,10 @@
 #include "hostapp/svg_plot.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <fstream>
 
 #include "hostapp/plot_bounds.h"
@@ -32,6 +34,7 @@ constexpr int PALETTE_SIZE = sizeof PALETTE / sizeof PALETTE[0];
 std::string number(double v, const char *format = "%.2f")
 {
     return svgNumber(v, format);
+}
 }
 
 /* One axis: the values shown from lo to hi over pixels from p0 to p1. */
@@ -104,8 +107,8 @@ std::string linearTickLabel(double v, double step)
     if (std::fabs(v) >= 1e6 || step < 1e-4)
         return number(v, "%g");
     int decimals = std::clamp((int)-std::floor(std::log10(step) + 1e-9), 0, 6);
-    char text[64];
-    std::snprintf(text, sizeof text, "%.*f", decimals, v);
+    std::string text;
+    appendSvgNumber(text, v, std::chars_format::fixed, decimals);
     return text;
 }
 
@@ -211,10 +214,16 @@ std::string curvePath(const std::vector<Pixel> &points, size_t *drawn, std::vect
         if (!clipSegment(x0, y0, x1, y1))
             continue;
         if (!(pen.valid() && pen.x == x0 && pen.y == y0)) {
-            d += (d.empty() ? "M" : " M") + number(x0) + "," + number(y0);
+            d += d.empty() ? "M" : " M";
+            appendSvgNumber(d, x0);
+            d += ',';
+            appendSvgNumber(d, y0);
             *drawn += inside(points[i - 1].x, points[i - 1].y) ? 1 : 0;
         }
-        d += " L" + number(x1) + "," + number(y1);
+        d += " L";
+        appendSvgNumber(d, x1);
+        d += ',';
+        appendSvgNumber(d, y1);
         *drawn += inside(p.x, p.y) ? 1 : 0;
         pen = {x1, y1};
     }

@@ -3,14 +3,25 @@
 */
 #include "hostapp/svg_text.h"
 
-#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 
 namespace hostapp {
 
-std::string svgNumber(double v, const char *format)
+void appendSvgNumber(std::string &out, double v, std::chars_format style, int precision)
 {
     char text[64];
-    std::snprintf(text, sizeof text, format, v);
+    auto [end, error] = std::to_chars(text, text + sizeof text, v, style, precision);
+    if (error == std::errc())
+        out.append(text, end);
+}
+
+std::string svgNumber(double v, const char *format)
+{
+    int precision = format[1] == '.' ? std::atoi(format + 2) : 6;
+    char type = format[std::strlen(format) - 1];
+    std::string text;
+    appendSvgNumber(text, v, type == 'f' ? std::chars_format::fixed : std::chars_format::general, precision);
     return text;
 }
 
