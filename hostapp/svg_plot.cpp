@@ -6,10 +6,7 @@
 #include "hostapp/svg_plot.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
-#include <cstdlib>
-#include <cstring>
 #include <fstream>
 
 #include "hostapp/plot_bounds.h"
@@ -34,7 +31,6 @@ constexpr int PALETTE_SIZE = sizeof PALETTE / sizeof PALETTE[0];
 std::string number(double v, const char *format = "%.2f")
 {
     return svgNumber(v, format);
-}
 }
 
 /* One axis: the values shown from lo to hi over pixels from p0 to p1. */
