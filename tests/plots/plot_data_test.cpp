@@ -54,7 +54,7 @@ TEST(PlotData, EveryPlotOfTheServoHasItsNumbersBesideIt)
     for (const char *command : {" bode", " nyquist", " rlocus"})
         ASSERT_EQ(runPraxa(common + command).status, 0) << command;
 
-    std::string magnitude = readFile(dir.file("Bode-Magnitude1.csv"));
+    std::string magnitude = readFile(dir.file("Bode-Magnitude.csv"));
     EXPECT_EQ(headerOf(magnitude), "\"Frequency, (Rad/sec)\",Magnitude (Decibels)");
     auto rows = rowsOf(magnitude);
     ASSERT_FALSE(rows.empty());
@@ -62,9 +62,9 @@ TEST(PlotData, EveryPlotOfTheServoHasItsNumbersBesideIt)
         double w = std::stod(row[0]);
         EXPECT_NEAR(std::stod(row[1]), 20 * std::log10(std::abs(servo(w))), 1e-9) << w;
     }
-    EXPECT_EQ(headerOf(readFile(dir.file("Bode-Phase1.csv"))), "\"Frequency, (Rad/sec)\",\"Phase, (Deg)\"");
+    EXPECT_EQ(headerOf(readFile(dir.file("Bode-Phase.csv"))), "\"Frequency, (Rad/sec)\",\"Phase, (Deg)\"");
 
-    std::string nyquist = readFile(dir.file("Nyquist0.csv"));
+    std::string nyquist = readFile(dir.file("Nyquist.csv"));
     EXPECT_EQ(headerOf(nyquist), "Frequency (rad/s),Real,Imaginary");
     int checked = 0;
     for (const auto &row : rowsOf(nyquist)) {
@@ -79,7 +79,7 @@ TEST(PlotData, EveryPlotOfTheServoHasItsNumbersBesideIt)
     }
     EXPECT_GT(checked, 100);
 
-    std::string locus = readFile(dir.file("Root Locus-1.csv"));
+    std::string locus = readFile(dir.file("Root-Locus.csv"));
     EXPECT_EQ(headerOf(locus), "Gain,Branch 1 real,Branch 1 imaginary,Branch 2 real,Branch 2 imaginary,"
                                "Branch 3 real,Branch 3 imaginary");
     /* At K = 0 the branches start on the open-loop poles 0, -1, -10. */
