@@ -2,7 +2,7 @@
 ** tests/cli/plot_extent_cli_test.cpp: plots of loops whose response or locus runs to
 ** infinity keep axes a person can read: the automatic root locus of straight branches,
 ** the Nyquist curve of an oscillator in Hertz, the sampled loop with an integrator.
-** The axes are read from the tick labels of the SVG that praxa writes.
+** The axes are read from the tick labels of the SVG file that praxa writes.
 */
 #include <gtest/gtest.h>
 
@@ -46,24 +46,21 @@ TEST(PlotExtent, CurvesThatRunToInfinityKeepReadableAxes)
         std::string diagram;        /* a plant, or an example's name */
         std::string preferences;    /* options of the preferences command, run first */
         std::string command;
-        std::string plot;
         double largest;             /* bound on every tick of both axes */
         double widestBelow;         /* the x axis spans at least this */
     };
     const Row rows[] = {
         /* branches straight up from -1 once they meet: reached K = 1.6e9, Im 4e4 */
         {"root locus of 1/(s^2 + 2s + 2)",
-         plantDiagram(R"({"id": "p", "type": "transferFunction", "num": [1], "den": [1, 2, 2]})"), "", "rlocus",
-         "Root Locus-1.svg", 20.0, 0.1},
+         plantDiagram(R"({"id": "p", "type": "transferFunction", "num": [1], "den": [1, 2, 2]})"), "", "rlocus", 20.0, 0.1},
         /* one branch along the negative real axis: ran to -5.3e8 */
-        {"root locus of 1/s", plantDiagram(R"({"id": "p", "type": "integrator"})"), "", "rlocus",
-         "Root Locus-1.svg", 20.0, 1.0},
+        {"root locus of 1/s", plantDiagram(R"({"id": "p", "type": "integrator"})"), "", "rlocus", 20.0, 1.0},
         /* a circle of radius about R = 10, not a flat line from -14 to 46 */
         {"Nyquist curve of 1/(s^2 + 1) in Hertz",
          plantDiagram(R"({"id": "p", "type": "transferFunction", "num": [1], "den": [1, 0, 1]})"),
-         "--frequency-unit hertz", "nyquist", "Nyquist0.svg", 20.0, 10.0},
+         "--frequency-unit hertz", "nyquist", 20.0, 10.0},
         /* the last grid point sits on the integrator's pole z = 1: the y axis ran to 9e13 */
-        {"sampled loop", "sampled_loop.json", "", "nyquist", "Nyquist0.svg", 20.0, 0.5},
+        {"sampled loop", "sampled_loop.json", "", "nyquist", 20.0, 0.5},
     };
     for (const Row &row : rows) {
         SCOPED_TRACE(row.what);
@@ -81,7 +78,11 @@ TEST(PlotExtent, CurvesThatRunToInfinityKeepReadableAxes)
         }
         RunResult run = runPraxa(common + row.command);
         ASSERT_EQ(run.status, 0) << run.err;
-        std::string svg = readFile(dir.file(row.plot));
+        /* the plot file, as the transcript names it */
+        size_t named = run.out.find("[plot] ");
+        ASSERT_NE(named, std::string::npos) << run.out;
+        std::string plot = run.out.substr(named + 7, run.out.find('\n', named) - named - 7);
+        std::string svg = readFile(dir.file(plot));
         auto [xLow, xHigh] = axisRange(svg, "x");
         auto [yLow, yHigh] = axisRange(svg, "y");
         for (double tick : {xLow, xHigh, yLow, yHigh})
