@@ -27,6 +27,7 @@ const CommandSpec *findCommand(const std::string &name);
 struct CommandRun {
     const CommandSpec *command = nullptr;
     std::vector<platform::DialogAction> actions;
+    bool saveDesign = false;    /* compensator --save: write the handed-over design into the diagram file */
 };
 
 /* Turns a command's options (args after the command name) into dialog actions.

@@ -4,7 +4,7 @@
 set -euo pipefail
 
 packages=(cmake g++ make pkg-config googletest libgtest-dev libbenchmark-dev
-          nlohmann-json3-dev liblapacke-dev libpugixml-dev)
+          nlohmann-json3-dev liblapacke-dev libpugixml-dev libmuparser-dev)
 
 missing=()
 for p in "${packages[@]}"; do
