@@ -150,7 +150,7 @@ bool splitWords(const std::string &line, std::vector<std::string> &words, std::s
         }
     }
     if (quoted) {
-        error = "unterminated quote";
+        error = "unterminated quote; close it with a second \"";
         return false;
     }
     if (inWord)
@@ -164,7 +164,7 @@ bool parseCommandWords(const std::vector<std::string> &words, const std::string 
     step.where = where;
     if (words[0] == "input" || words[0] == "output") {
         if (words.size() != 2) {
-            error = words[0] + " takes one BLOCK.PORT";
+            error = words[0] + " takes one point BLOCK.PORT, such as ctrl.in";
             return false;
         }
         step.pointClick = words[1];
@@ -177,7 +177,7 @@ bool parseCommandWords(const std::vector<std::string> &words, const std::string 
         return false;
     }
     if (!command->available) {
-        error = "the '" + words[0] + "' command is not available in this build";
+        error = "the '" + words[0] + "' command is not available in this build (praxa --help lists the ones that are)";
         return false;
     }
     return parseCommandOptions(*command, std::vector<std::string>(words.begin() + 1, words.end()), step.run, error);
@@ -207,7 +207,7 @@ bool readScript(Session &session, std::string &error)
         bool indented = line[0] == ' ' || line[0] == '\t';
         if (indented) {
             if (session.steps.empty() || !session.steps.back().run.command) {
-                error = where + ": a dialog action must follow a command";
+                error = where + ": a dialog action must follow a command; put the command on an unindented line above it";
                 return false;
             }
             platform::DialogAction action;
@@ -422,7 +422,7 @@ int runStep(const SessionStep &step, const Session &session)
     platform::clearDialogActions();
     printTranscript();
     if (unused) {
-        std::fprintf(stderr, "praxa: %s: %zu dialog action(s) were not used by any dialog\n", step.where.c_str(), unused);
+        std::fprintf(stderr, "praxa: %s: %zu dialog action(s) were not used by any dialog; check them against the dialogs in the transcript\n", step.where.c_str(), unused);
         return EXIT_REFUSED;
     }
     return EXIT_RAN;
@@ -473,7 +473,7 @@ int runCommandLine(int argc, char **argv)
         worst = std::max(worst, (int)EXIT_REFUSED);
     }
     if (platform::settingsWriteFailures() > 0) {
-        std::fprintf(stderr, "praxa: the settings file %s could not be written\n", state.settingsPath.c_str());
+        std::fprintf(stderr, "praxa: the settings file %s could not be written; give a writable one with --settings\n", state.settingsPath.c_str());
         worst = std::max(worst, (int)EXIT_REFUSED);
     }
     return worst;

@@ -84,7 +84,7 @@ bool parseDialogAction(const std::vector<std::string> &words, DialogAction &a, s
         {"focus", ActionKind::Focus, 1}, {"cancel", ActionKind::Cancel, 0},
     };
     if (words.empty()) {
-        error = "empty dialog action";
+        error = "empty dialog action; write one of type, click, check, uncheck, select, focus, cancel";
         return false;
     }
     for (const auto &verb : verbs) {
@@ -97,11 +97,11 @@ bool parseDialogAction(const std::vector<std::string> &words, DialogAction &a, s
         a = DialogAction{};
         a.kind = verb.kind;
         if (verb.arguments >= 1 && !parseInt(words[1], a.control)) {
-            error = "dialog action '" + words[0] + "': '" + words[1] + "' is not a control id";
+            error = "dialog action '" + words[0] + "': '" + words[1] + "' is not a control id (the transcript shows each control with its id)";
             return false;
         }
         if (verb.kind == ActionKind::Select && !parseInt(words[2], a.index)) {
-            error = "dialog action 'select': '" + words[2] + "' is not an entry index";
+            error = "dialog action 'select': '" + words[2] + "' is not an entry index (0 is the first entry)";
             return false;
         }
         if (verb.kind == ActionKind::Type) {
@@ -111,7 +111,7 @@ bool parseDialogAction(const std::vector<std::string> &words, DialogAction &a, s
         }
         return true;
     }
-    error = "unknown dialog action '" + words[0] + "'";
+    error = "unknown dialog action '" + words[0] + "'; write one of type, click, check, uncheck, select, focus, cancel";
     return false;
 }
 

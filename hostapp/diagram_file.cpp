@@ -316,7 +316,8 @@ void Loader::refuseValuesNotFinite() const
 {
     auto refuse = [](const Block &block, const char *what, double value) {
         throw DiagramError{block.line, "block '" + block.path + "': its " + what + " is " +
-                                           (std::isnan(value) ? "NaN" : "infinite") + " at time 0"};
+                                           (std::isnan(value) ? "NaN" : "infinite") +
+                                           " at time 0; change the initial values or parameters that feed it"};
     };
     for (const Block *block : diagram_.evaluationOrder)
         if (block->output && !std::isfinite(*block->output->slot()))
@@ -367,7 +368,8 @@ void Loader::readBlocks(const json &list, const std::string &pointer, Block *par
             fail(at, "block '" + block->path + "': missing parameter 'type' (a text)");
         std::string type = fields["type"].get<std::string>();
         if (!blockTypeFromName(type, block->type))
-            fail(at + "/type", "block '" + block->path + "': unknown block type '" + type + "'");
+            fail(at + "/type", "block '" + block->path + "': unknown block type '" + type +
+                                   "' (examples/README.md lists the block types)");
         readParameters(*block, fields, at);
         blocks.push_back(std::move(block));
     }

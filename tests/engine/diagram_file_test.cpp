@@ -54,7 +54,7 @@ TEST_F(DiagramFile, UnknownBlockTypeNamesTheBlockAndLine)
     {"id": "plant", "type": "tranferFunction", "num": [1], "den": [1, 1]}
   ]
 })"),
-              "bad.json:4: block 'plant': unknown block type 'tranferFunction'");
+              "bad.json:4: block 'plant': unknown block type 'tranferFunction' (examples/README.md lists the block types)");
 }
 
 TEST_F(DiagramFile, MissingAndUnknownParametersAreNamed)
@@ -258,17 +258,17 @@ TEST_F(DiagramFile, ValuesThatAreNotFiniteAtLoadNameTheirBlock)
         {"id": "big", "type": "constant", "value": 1e300},
         {"id": "k", "type": "gain", "gain": 1e300}],
       "wires": [["big", "k"], ["k", "sq"], ["sq", "x"]]})"),
-              "bad.json:4: block 'k': its output is infinite at time 0");
+              "bad.json:4: block 'k': its output is infinite at time 0; change the initial values or parameters that feed it");
     /* x1' = 1e300 x1 - 1e300 x2 with both states at 1e300: infinity minus infinity. */
     EXPECT_EQ(refusal(R"({"blocks": [{"id": "src", "type": "constant", "value": 0},
         {"id": "x", "type": "stateSpace", "a": [[1e300, -1e300], [0, 0]], "b": [0, 0], "c": [0, 0],
          "initial": [1e300, 1e300]}],
       "wires": [["src", "x"]]})"),
-              "bad.json:2: block 'x': its derivative is NaN at time 0");
+              "bad.json:2: block 'x': its derivative is NaN at time 0; change the initial values or parameters that feed it");
     EXPECT_EQ(refusal(R"({"blocks": [{"id": "src", "type": "constant", "value": 0},
         {"id": "z", "type": "discreteStateSpace", "a": [[1e300]], "b": [0], "c": [0], "initial": 1e300}],
       "wires": [["src", "z"]]})"),
-              "bad.json:2: block 'z': its next state is infinite at time 0");
+              "bad.json:2: block 'z': its next state is infinite at time 0; change the initial values or parameters that feed it");
 }
 
 TEST_F(DiagramFile, AKeyGivenTwiceIsRefused)
