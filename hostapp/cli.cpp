@@ -20,6 +20,7 @@
 #include "hostapp/diagram.h"
 #include "hostapp/host_state.h"
 #include "hostapp/plugin_loader.h"
+#include "hostapp/serve.h"
 #include "platform/driver.h"
 
 namespace hostapp {
@@ -29,6 +30,7 @@ namespace {
 const char *const USAGE =
     "usage: praxa [options] [DIAGRAM] COMMAND [command options]\n"
     "       praxa [options] [DIAGRAM] --script FILE\n"
+    "       praxa [options] [DIAGRAM] serve [--port N]   (the session as a web page on 127.0.0.1)\n"
     "\n"
     "Runs a Praxa menu command on a Tervan diagram file and prints the dialogs and\n"
     "messages it shows; result files and plots (SVG) are written into the output folder.\n"
@@ -85,6 +87,8 @@ struct Session {
     int hostVersion = 230;
     int hostRevision = 0;
     std::vector<SessionStep> steps;
+    bool serve = false;
+    int port = 8080;
 };
 
 int unusable(const std::string &message)
@@ -288,7 +292,7 @@ int parseArguments(int argc, char **argv, Session &session)
             commandWords.push_back(word);
         } else if (word.rfind("--", 0) == 0) {
             return unusable("unknown option " + word + " (see praxa --help)");
-        } else if (positional.empty() && (!findCommand(word) || isFile(word))) {
+        } else if (positional.empty() && ((!findCommand(word) && word != "serve") || isFile(word))) {
             positional.push_back(word);     /* the diagram */
         } else {
             commandWords.push_back(word);
@@ -303,6 +307,15 @@ int parseArguments(int argc, char **argv, Session &session)
         session.steps.push_back({CommandRun{}, point, "--input " + point, true});
 
     std::string error;
+    if (!commandWords.empty() && commandWords[0] == "serve") {
+        session.serve = true;
+        if (!session.scriptPath.empty())
+            return unusable("give either --script or serve, not both");
+        if (commandWords.size() > 1 && !(commandWords.size() == 3 && commandWords[1] == "--port" &&
+                                         parseInteger(commandWords[2], 0, 65535, session.port)))
+            return unusable("serve takes one option, --port N (0 to 65535; 0 picks a free port)");
+        return -1;
+    }
     if (!session.scriptPath.empty()) {
         if (!commandWords.empty())
             return unusable("give either --script or a command, not both (put the command into the script)");
@@ -464,6 +477,8 @@ int runCommandLine(int argc, char **argv)
             return status;
         worst = std::max(worst, status);
     }
+    if (session.serve)
+        return serveSession(session.diagramPath, session.port);
     printTranscript();
     if (platform::refusedDialogCount() > 0)
         worst = std::max(worst, (int)EXIT_REFUSED);

@@ -4,10 +4,17 @@
 set -euo pipefail
 
 packages=(cmake g++ make pkg-config googletest libgtest-dev libbenchmark-dev
-          nlohmann-json3-dev liblapacke-dev libpugixml-dev libmuparser-dev)
+          nlohmann-json3-dev liblapacke-dev libpugixml-dev libcpp-httplib-dev libmuparser-dev
+          nodejs npm chromium fonts-liberation)
 
 missing=()
+# Machines with NodeSource's nodejs carry npm inside it, and that nodejs conflicts with
+# Debian's npm package: ask for npm only when no npm command is there.
+if command -v npm >/dev/null 2>&1; then
+  packages=("${packages[@]/npm}")
+fi
 for p in "${packages[@]}"; do
+  [ -n "$p" ] || continue
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
 done
 [ ${#missing[@]} -eq 0 ] && exit 0
