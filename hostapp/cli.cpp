@@ -35,6 +35,7 @@ const char *const USAGE =
     "Runs a Praxa menu command on a Tervan diagram file and prints the dialogs and\n"
     "messages it shows; result files and plots (SVG) are written into the output folder.\n"
     "The options below may stand anywhere, before or after the diagram and the command.\n"
+    "The diagram file's format and its block types are described in examples/README.md.\n"
     "\n"
     "Options:\n"
     "  --settings FILE       settings file (default: $XDG_CONFIG_HOME/praxa/tervan.ini)\n"
