@@ -51,7 +51,7 @@ HostBlock *diagramBlock(const std::string &path);
 RefPoint *diagramPoint(const std::string &blockDotPort);
 
 /* What the host shows on the diagram: the selected top-level blocks, and the points the
-** plug-in highlighted (its reference points) named as BLOCK.PORT ("ctrl.1", "motor.out"). */
+** plug-in highlighted (its reference points) named as BLOCK.inN or BLOCK.outN. */
 std::vector<std::string> selectedBlockIds();
 std::vector<std::string> highlightedPoints();
 

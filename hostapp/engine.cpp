@@ -322,7 +322,7 @@ std::vector<std::string> highlightedPoints()
             for (const auto *ports : {&block.inputs, &block.outputs})
                 for (const auto &point : *ports)
                     if (point->record.flags & REF_FLAG_HIGHLIGHT)
-                        names.push_back(point->name());
+                        names.push_back(block.path + (point->isInput ? ".in" : ".out") + std::to_string(point->port));
         });
     return names;
 }

@@ -122,8 +122,8 @@ async function loadDiagramPicture() {
   if (!response.ok) return;
   $("diagram").innerHTML = await response.text();
   $("diagram").addEventListener("click", (event) => {
-    const port = event.target.closest("[data-port]");
-    if (port && !shown.busy && !shown.dialogs.length) send({ kind: "point", name: port.dataset.port });
+    const port = event.target.closest("[data-point]");
+    if (port && !shown.busy && !shown.dialogs.length && !shown.messageBox) send({ kind: "point", name: port.dataset.point });
   });
   markDiagram(shown.diagram);
 }
@@ -132,9 +132,9 @@ function markDiagram(diagram) {
   if (!diagram) return;
   const points = new Set(diagram.points);
   const selection = new Set(diagram.selection);
-  for (const port of document.querySelectorAll("#diagram [data-port]"))
-    port.classList.toggle("reference-point", points.has(port.dataset.port));
-  for (const block of document.querySelectorAll("#diagram [data-block]"))
+  for (const port of document.querySelectorAll("#diagram [data-point]"))
+    port.classList.toggle("reference-point", points.has(port.dataset.point));
+  for (const block of document.querySelectorAll("#diagram g.block[data-block]"))
     block.classList.toggle("selected-block", selection.has(block.dataset.block));
   $("diagram-marks").textContent =
     `${diagram.file || "no diagram"}: selection ${diagram.selection.join(", ") || "none"}; ` +

@@ -123,6 +123,15 @@ function buildControl(c, send, handle, units) {
         const row = event.target.closest(".entry");
         if (row && !element.classList.contains("disabled")) action("select", { index: Number(row.dataset.index) });
       });
+      element.addEventListener("keydown", (event) => {
+        const step = { ArrowDown: 1, ArrowUp: -1 }[event.key];
+        const list = current(handle).controls.find((control) => control.id === c.id);
+        const index = list ? list.selection + step : NaN;
+        if (step && index >= 0 && index < list.items.length) {
+          event.preventDefault();
+          action("select", { index });
+        }
+      });
       break;
     default:
       element = document.createElement("div");
@@ -305,6 +314,7 @@ export function renderModal(layer, state, send) {
     }
     entry.state = d;
     entry.title.textContent = d.caption;
+    entry.root.setAttribute("aria-label", d.caption);
     d.controls.forEach((c, i) => updateControl(entry.parts[i], c, entry.units));
     entry.root.classList.toggle("inactive", depth !== state.dialogs.length - 1 || !!state.messageBox);
   });

@@ -80,29 +80,3 @@ TEST(CompensatorCommand, TheRecordIsKeptForTheNextInvocationOfAScript)
     EXPECT_FALSE(has(reopened, "[compensator]"));
     EXPECT_FALSE(has(run.out, "[plot]"));     /* no Replot: nothing drawn */
 }
-
-TEST(CompensatorCommand, WithoutOkTheDialogEndsWithCancelAndNothingIsHandedOver)
-{
-    TempDir dir;
-    RunResult run = runPraxa("--settings " + dir.file("tervan.ini") + " --out " + dir.path + " " +
-                             examplePath("servo.json") + " compensator --add-pole -3");
-    EXPECT_EQ(run.status, 0) << run.err << run.out;
-    EXPECT_TRUE(has(run.out, "[end] Compensator Design: 2\n")) << run.out;
-    EXPECT_FALSE(has(run.out, "[compensator]"));
-    EXPECT_FALSE(has(run.out, "[host] compensator block"));
-}
-
-TEST(CompensatorCommand, HelpDescribesTheOptionsAndTheCommandIsAvailable)
-{
-    RunResult run = runPraxa("--help");
-    EXPECT_EQ(run.status, 0);
-    size_t line = at(run.out, "  compensator           compensator design; [--gain K] [--add-zero RE,IM] "
-                              "[--add-pole RE,IM] [--replot] [--ok [--save]]\n");
-    ASSERT_NE(line, std::string::npos) << run.out;
-    std::string entry = run.out.substr(line, run.out.find("\n  select-compensator", line) - line);
-    EXPECT_FALSE(has(entry, "not available")) << entry;
-
-    run = runPraxa(examplePath("servo.json") + " compensator --gain");
-    EXPECT_EQ(run.status, 2);
-    EXPECT_EQ(run.err, "praxa: option --gain needs a value (see praxa --help)\n");
-}

@@ -195,13 +195,4 @@ TEST_F(Margins, DialogShowsFourDisabledFieldsAndBothButtonsCloseIt)
     EXPECT_LT(text.find("Bode-Magnitude1.svg"), text.find("Bode-Phase1.svg"));
 }
 
-TEST_F(Margins, ResultsAreOverwrittenByEveryRun)
-{
-    bode(2.0, {}, {{-1, 0}, {-1, 0}, {-1, 0}});
-    bode(10.0, {}, {{-1, 0}});
-    EXPECT_EQ(marginDialogCount(), 2);
-    EXPECT_EQ(marginField(IDC_MARGIN_GAIN, 1), "1e+006");
-    EXPECT_EQ(marginField(IDC_MARGIN_GAIN_CROSSOVER, 1), "9.10298");
-}
-
 }

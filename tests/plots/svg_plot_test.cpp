@@ -117,21 +117,6 @@ TEST_F(SvgPlotTest, BodeMagnitudeInDecibels)
     EXPECT_NEAR(points.front().y, yTickPixel("0") + 0.0432 * perDecibel, 0.02);
 }
 
-TEST_F(SvgPlotTest, LogTenMagnitudeAxisIsLabelledInDecades)
-{
-    HostBlock *block = frequencyPlot("Bode-Magnitude", firstOrderMagnitude());
-    finishPlot(block, 1, 1, 0xFF);
-    parse("Bode-Magnitude0.svg");
-    EXPECT_EQ(textsOfClass(doc, "y-label"), std::vector<std::string>{"Magnitude"});
-    EXPECT_EQ(textsOfClass(doc, "y-tick"), (std::vector<std::string>{"0.001", "0.01", "0.1", "1"}));
-    /* Unnamed trace: the legend still names it. */
-    EXPECT_EQ(textsOfClass(doc, "legend-entry"), std::vector<std::string>{"Trace 1"});
-    /* Decades are equally spaced on a logarithmic axis. */
-    double d1 = yTickPixel("0.01") - yTickPixel("0.1");
-    double d2 = yTickPixel("0.1") - yTickPixel("1");
-    EXPECT_NEAR(d1, d2, 0.01);
-}
-
 TEST_F(SvgPlotTest, NonFiniteValuesAreSkipped)
 {
     std::vector<double> values = {1, 2, NAN, 4, INFINITY, -INFINITY, 7, 8};
@@ -182,83 +167,6 @@ TEST_F(SvgPlotTest, NyquistDrawsRealAgainstImaginary)
     /* Log flags are off: tick labels are plain steps. */
     EXPECT_EQ(textsOfClass(doc, "x-tick").front(), "0.0");
     EXPECT_EQ(textsOfClass(doc, "x-tick").back(), "1.0");
-}
-
-TEST_F(SvgPlotTest, RootLocusDrawsOneCurvePerBranch)
-{
-    gainRange.steps = 4;
-    HostBlock *block = makeRootLocusPlot(3);
-    PlotRecord *plot = plotRecordOf(block);
-    storeBranch(plot, 0, {-1, -1.5, -2, -3}, {0, 0, 0, 0});
-    storeBranch(plot, 1, {-2, -1.5, -1.5, -1.5}, {0, 0.5, 1, 2});
-    storeBranch(plot, 2, {-2, -1.5, -1.5, -1.5}, {0, -0.5, -1, -2});
-    finishPlot(block, 0, 0, 0);
-    parse("Root Locus-1.svg");
-    EXPECT_EQ(textsOfClass(doc, "title"), std::vector<std::string>{"Root Locus-1"});
-    EXPECT_EQ(textsOfClass(doc, "x-label"), std::vector<std::string>{"Real"});
-    EXPECT_EQ(textsOfClass(doc, "y-label"), std::vector<std::string>{"Imaginary"});
-    EXPECT_EQ(textsOfClass(doc, "legend-heading"), std::vector<std::string>{"Closed loop poles"});
-    EXPECT_EQ(textsOfClass(doc, "legend-entry"),
-              (std::vector<std::string>{"Branch start", "Branch 1", "Branch 2", "Branch 3"}));
-    auto paths = traces();
-    ASSERT_EQ(paths.size(), 3u);
-    std::map<std::string, int> colours;
-    for (const auto &p : paths) {
-        EXPECT_EQ(vertices(p.attribute("d").value()).size(), 4u);
-        colours[p.attribute("stroke").value()]++;
-    }
-    EXPECT_EQ(colours.size(), 3u);
-    EXPECT_EQ(doc.select_nodes("//*[@class='branch-start']").size(), 3u);
-}
-
-TEST_F(SvgPlotTest, ClampedBoundsClipTheCurves)
-{
-    gainRange.steps = 3;
-    HostBlock *block = makeRootLocusPlot(1);
-    PlotRecord *plot = plotRecordOf(block);
-    storeBranch(plot, 0, {-1, -5, -1e200}, {0, 0, 0});
-    finishPlot(block, 0, 0, 0);
-    /* As the root locus command does with a radius of 2.3. */
-    plot->xMin = -3;
-    plot->xMax = 3;
-    invalidateWin(block->window);
-    parse("Root Locus-1.svg");
-    std::vector<Vertex> points = vertices(traces()[0].attribute("d").value());
-    ASSERT_EQ(points.size(), 2u);
-    EXPECT_NEAR(points[1].x, 80.0, 0.01);       /* cut at x = -3, the left edge */
-    /* A repaint rewrites the file but is not noted again. */
-    int notes = 0;
-    for (const std::string &line : platform::transcript())
-        notes += line.rfind("[plot]", 0) == 0;
-    EXPECT_EQ(notes, 1);
-}
-
-TEST_F(SvgPlotTest, ReshownPlotOverwritesItsFile)
-{
-    gainRange.steps = 2;
-    HostBlock *block = makeRootLocusPlot(1);
-    PlotRecord *plot = plotRecordOf(block);
-    storeBranch(plot, 0, {-1, -2}, {0, 0});
-    finishPlot(block, 0, 0, 0);
-    gainRange.steps = 3;
-    plot->pointCount = 3;
-    allocOverPlotBuffers(block, 1);
-    storeBranch(plot, 0, {-1, -2, -3}, {0, 1, 2});
-    finishPlot(block, 0, 0, 0);
-    EXPECT_EQ(svgFiles(), std::vector<std::string>{"Root Locus-1.svg"});
-    parse("Root Locus-1.svg");
-    EXPECT_EQ(vertices(traces()[0].attribute("d").value()).size(), 3u);
-}
-
-TEST_F(SvgPlotTest, TwoPlotsWithOneTitleKeepTwoFiles)
-{
-    HostBlock *first = nyquistPlot({1, 0}, {0, -1});
-    finishPlot(first, 0, 0, 0);
-    HostBlock *second = nyquistPlot({-2, 0}, {0, 1});
-    finishPlot(second, 0, 0, 0);
-    EXPECT_EQ(svgFiles(), (std::vector<std::string>{"Nyquist0 (2).svg", "Nyquist0.svg"}));
-    parse("Nyquist0 (2).svg");
-    EXPECT_EQ(doc.select_nodes("//*[@class='critical-point']").size(), 1u);
 }
 
 TEST_F(SvgPlotTest, TitlesAreEscapedAndFileNamesSafe)

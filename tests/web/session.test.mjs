@@ -117,7 +117,7 @@ test("a design session on the servo loop, in the browser", async () => {
     assert.match(page.url(), /\?session=[0-9a-f]{32}$/);
     await assert.doesNotReject(page.getByRole("menuitem", { name: "Praxa", exact: true }).waitFor());
     assert.equal(await page.locator("#diagram-marks").textContent(),
-      `${join(root, "examples/servo.json")}: selection ctrl, amp, motor; reference points ctrl.1, motor.out`);
+      `${join(root, "examples/servo.json")}: selection ctrl, amp, motor; reference points ctrl.in1, motor.out1`);
 
     // Transfer Function Info: gain and coefficients, then zeros and poles.
     await runMenuItem(page, "Transfer Function Info");
