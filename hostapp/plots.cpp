@@ -35,6 +35,7 @@ struct PlotBlock {
     std::vector<std::unique_ptr<TraceBuffers>> buffers;
     bool shown = false;
     std::string fileName;
+    uint64_t writtenFingerprint = 0;    /* of what the file last written shows; 0: none */
 
     PlotBlock(int atX, int atY) : x(atX), y(atY)
     {
@@ -168,14 +169,62 @@ std::string fileNameFor(const PlotBlock &p)
     }
 }
 
-/* Writes the plot's picture; says in the transcript which file, or why not. */
+/* Mixes bytes into a running hash, a multiply-xorshift step per 8 bytes. */
+uint64_t mixWords(uint64_t hash, const void *data, size_t bytes)
+{
+    const unsigned char *b = (const unsigned char *)data;
+    for (size_t k = 0; k + 8 <= bytes; k += 8) {
+        uint64_t word;
+        std::memcpy(&word, b + k, 8);
+        hash = (hash ^ word) * 0x9E3779B97F4A7C15ull;
+        hash ^= hash >> 29;
+    }
+    for (size_t k = bytes - bytes % 8; k < bytes; ++k)
+        hash = (hash ^ b[k]) * 0x100000001B3ull;
+    return hash;
+}
+
+/* A hash of everything the picture is drawn from (the record, its trace points and
+** buffers, the first gain of a root locus) and of the file's path.  The plug-in writes
+** into that memory without telling the host, so a change is found by looking. */
+uint64_t fingerprint(const PlotBlock &p, const std::string &path)
+{
+    uint64_t hash = mixWords(0xCBF29CE484222325ull, &p.record, sizeof p.record);
+    for (const PlotTrace &t : p.record.traces)
+        if (t.points.items)
+            hash = mixWords(hash, t.points.items, sizeof(double) * (size_t)t.points.capacity);
+    for (const auto &pair : p.buffers)
+        for (const PlotPointBuffer &b : pair->coordinate) {
+            hash = mixWords(hash, &b, sizeof b);
+            if (b.values)
+                hash = mixWords(hash, b.values, sizeof(double) * (size_t)b.capacity);
+        }
+    const PlotParamInfo *info = p.record.paramInfo;
+    if (info && info->parameters)
+        hash = mixWords(hash, info->parameters, sizeof(double));
+    hash = mixWords(hash, path.data(), path.size());
+    return hash ? hash : 1;
+}
+
+/* Writes the plot's picture, unless the file already shows it; says in the transcript
+** which file, or why not. */
 void writePlot(PlotBlock &p, bool note)
 {
     std::string path = outputPath(p.fileName);
+    uint64_t current = fingerprint(p, path);
     std::string error;
-    if (!writeSvgFile(path, renderPlotSvg(p.view()), &error))
+    if (current == p.writtenFingerprint) {
+        if (note)
+            platform::transcriptNote("[plot] " + p.fileName);
+        return;
+    }
+    p.writtenFingerprint = 0;
+    if (!writeSvgFile(path, renderPlotSvg(p.view()), &error)) {
         platform::transcriptNote("[plot] cannot write " + path + ": " + error);
-    else if (note)
+        return;
+    }
+    p.writtenFingerprint = current;
+    if (note)
         platform::transcriptNote("[plot] " + p.fileName);
 }
 

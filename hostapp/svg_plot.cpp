@@ -6,8 +6,10 @@
 #include "hostapp/svg_plot.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <fstream>
 
 #include "hostapp/plot_bounds.h"
@@ -45,10 +47,23 @@ std::string escapeXml(const std::string &text)
     return out;
 }
 
-std::string number(double v, const char *format = "%.2f")
+/* Appends v as printf would write it with "%.Nf" (fixed) or "%g" and "%.Ng" (general):
+** std::to_chars gives the same digits, several times faster. */
+void appendNumber(std::string &out, double v, std::chars_format style = std::chars_format::fixed, int precision = 2)
 {
     char text[64];
-    std::snprintf(text, sizeof text, format, v);
+    auto [end, error] = std::to_chars(text, text + sizeof text, v, style, precision);
+    if (error == std::errc())
+        out.append(text, end);
+}
+
+/* v in a printf format of the kinds above: "%.2f", "%.0f", "%g", "%.3g". */
+std::string number(double v, const char *format = "%.2f")
+{
+    int precision = format[1] == '.' ? std::atoi(format + 2) : 6;
+    char type = format[std::strlen(format) - 1];
+    std::string text;
+    appendNumber(text, v, type == 'f' ? std::chars_format::fixed : std::chars_format::general, precision);
     return text;
 }
 
@@ -122,8 +137,8 @@ std::string linearTickLabel(double v, double step)
     if (std::fabs(v) >= 1e6 || step < 1e-4)
         return number(v, "%g");
     int decimals = std::clamp((int)-std::floor(std::log10(step) + 1e-9), 0, 6);
-    char text[64];
-    std::snprintf(text, sizeof text, "%.*f", decimals, v);
+    std::string text;
+    appendNumber(text, v, std::chars_format::fixed, decimals);
     return text;
 }
 
@@ -229,10 +244,16 @@ std::string curvePath(const std::vector<Pixel> &points, size_t *drawn, std::vect
         if (!clipSegment(x0, y0, x1, y1))
             continue;
         if (!(pen.valid() && pen.x == x0 && pen.y == y0)) {
-            d += (d.empty() ? "M" : " M") + number(x0) + "," + number(y0);
+            d += d.empty() ? "M" : " M";
+            appendNumber(d, x0);
+            d += ',';
+            appendNumber(d, y0);
             *drawn += inside(points[i - 1].x, points[i - 1].y) ? 1 : 0;
         }
-        d += " L" + number(x1) + "," + number(y1);
+        d += " L";
+        appendNumber(d, x1);
+        d += ',';
+        appendNumber(d, y1);
         *drawn += inside(p.x, p.y) ? 1 : 0;
         pen = {x1, y1};
     }
