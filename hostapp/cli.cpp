@@ -18,6 +18,7 @@
 #include "hostapp/command_table.h"
 #include "hostapp/compensator_block.h"
 #include "hostapp/diagram.h"
+#include "hostapp/diagram_picture.h"
 #include "hostapp/host_state.h"
 #include "hostapp/plugin_loader.h"
 #include "hostapp/serve.h"
@@ -396,6 +397,12 @@ int runStep(const SessionStep &step, const Session &session)
             return unusable(step.where + ": " + error);
         platform::transcriptNote("[host] reference points: " + highlightedReferencePoints());
         return EXIT_RAN;
+    }
+    if (step.run.command->id == HOST_COMMAND) {
+        std::string error;
+        bool drawn = writeDiagramPicture(step.run.file, error);
+        printTranscript();
+        return drawn ? EXIT_RAN : unusable(step.where + ": " + error);
     }
     std::string pointsBefore = highlightedReferencePoints();
     CommandRun run = step.run;

@@ -15,10 +15,12 @@ namespace hostapp {
 
 struct CommandSpec {
     const char *name;
-    uint16_t id;
+    uint16_t id;                /* menu item of the plug-in; HOST_COMMAND for the host's own */
     bool available;             /* false: the analysis is not in this build */
     const char *summary;
 };
+
+inline constexpr uint16_t HOST_COMMAND = 0;
 
 const std::vector<CommandSpec> &commandTable();
 const CommandSpec *findCommand(const std::string &name);
@@ -28,6 +30,7 @@ struct CommandRun {
     const CommandSpec *command = nullptr;
     std::vector<platform::DialogAction> actions;
     bool saveDesign = false;    /* compensator --save: write the handed-over design into the diagram file */
+    std::string file;           /* a host command's --file */
 };
 
 /* Turns a command's options (args after the command name) into dialog actions.

@@ -89,6 +89,7 @@ struct Block {
     std::string pointer;                /* JSON pointer of the block in its diagram file */
     std::string signs;                  /* sum: one '+' or '-' per input */
     LinearSystem linear;                /* integrator, transfer functions, state space */
+    std::vector<double> num, den;       /* transfer functions as written: descending powers */
     double samplePeriod = 0.0;          /* discrete blocks and unit delay: seconds, 0 = every step */
     uint8_t dataType = SIGNAL_TYPE_DOUBLE;
 

@@ -34,7 +34,7 @@ struct PlotBlock {
     char windowTag = 0;                 /* its address is the block's window handle */
     std::vector<std::unique_ptr<TraceBuffers>> buffers;
     bool shown = false;
-    std::string fileName;
+    std::string baseName;               /* given at the first show, kept for the plot's life */
     uint64_t writtenFingerprint = 0;    /* of what the file last written shows; 0: none */
 
     PlotBlock(int atX, int atY) : x(atX), y(atY)
@@ -147,25 +147,41 @@ void addTraceBuffers(PlotBlock &p, uint32_t capacity)
     p.buffers.push_back(std::move(pair));
 }
 
-/* A file name for the plot's title, unique among the live plots. */
-std::string fileNameFor(const PlotBlock &p)
+/* Names given to plots since the host started (or was reset): a name once given is
+** never given to another plot, so a later plot cannot overwrite an earlier one's file. */
+std::vector<std::string> &namesGiven()
 {
+    static std::vector<std::string> names;
+    return names;
+}
+
+/* The title without the session counter the plug-in appends ("Nyquist0", "Root Locus-1"),
+** letters and digits kept, every other run of characters one '-': the same plot gets the
+** same name whatever ran before it, and the name needs no quoting in a shell. */
+std::string baseNameFor(const PlotBlock &p)
+{
+    std::string title = recordText(p.record.title, sizeof p.record.title);
+    size_t end = title.find_last_not_of("0123456789");
+    title.erase(end == std::string::npos ? 0 : end + 1);
     std::string base;
-    for (char c : recordText(p.record.title, sizeof p.record.title)) {
-        bool kept = std::isalnum((unsigned char)c) || std::strchr(" -_.,()+", c);
-        base += (kept && (unsigned char)c < 0x80) ? c : '_';
+    for (char c : title) {
+        if (std::isalnum((unsigned char)c) && (unsigned char)c < 0x80)
+            base += c;
+        else if (!base.empty() && base.back() != '-')
+            base += '-';
     }
+    while (!base.empty() && base.back() == '-')
+        base.pop_back();
     if (base.size() > 100)
         base.resize(100);
-    if (base.empty() || base[0] == '.')
-        base = "Plot" + base;
+    if (base.empty())
+        base = "Plot";
     for (int n = 1;; ++n) {
-        std::string name = n == 1 ? base + ".svg" : base + " (" + std::to_string(n) + ").svg";
-        bool taken = std::any_of(store().begin(), store().end(), [&](const auto &other) {
-            return other.get() != &p && other->fileName == name;
-        });
-        if (!taken)
+        std::string name = n == 1 ? base : base + "-" + std::to_string(n);
+        if (std::find(namesGiven().begin(), namesGiven().end(), name) == namesGiven().end()) {
+            namesGiven().push_back(name);
             return name;
+        }
     }
 }
 
@@ -210,12 +226,13 @@ uint64_t fingerprint(const PlotBlock &p, const std::string &path)
 ** which file, or why not. */
 void writePlot(PlotBlock &p, bool note)
 {
-    std::string path = outputPath(p.fileName);
+    std::string fileName = p.baseName + ".svg";
+    std::string path = outputPath(fileName);
     uint64_t current = fingerprint(p, path);
     std::string error;
     if (current == p.writtenFingerprint) {
         if (note)
-            platform::transcriptNote("[plot] " + p.fileName);
+            platform::transcriptNote("[plot] " + fileName);
         return;
     }
     p.writtenFingerprint = 0;
@@ -225,7 +242,7 @@ void writePlot(PlotBlock &p, bool note)
     }
     p.writtenFingerprint = current;
     if (note)
-        platform::transcriptNote("[plot] " + p.fileName);
+        platform::transcriptNote("[plot] " + fileName);
 }
 
 }
@@ -262,6 +279,7 @@ void deletePlotBlock(HostBlock *block)
 void clearPlotBlocks()
 {
     store().clear();
+    namesGiven().clear();
 }
 
 std::vector<HostBlock *> plotBlocks()
@@ -277,10 +295,16 @@ bool isPlotBlock(const HostBlock *block)
     return findBlock(block) != nullptr;
 }
 
-std::string plotFileName(const HostBlock *block)
+std::string plotFileBaseName(const HostBlock *block)
 {
     const PlotBlock *p = findBlock(block);
-    return p ? p->fileName : std::string();
+    return p ? p->baseName : std::string();
+}
+
+std::string plotFileName(const HostBlock *block)
+{
+    std::string base = plotFileBaseName(block);
+    return base.empty() ? base : base + ".svg";
 }
 
 bool repaintPlotWindow(HWND window)
@@ -352,7 +376,8 @@ void showNode(HostBlock *plot)
     if (!p)
         return;
     p->shown = true;
-    p->fileName = fileNameFor(*p);
+    if (p->baseName.empty())
+        p->baseName = baseNameFor(*p);
     writePlot(*p, true);
 }
 

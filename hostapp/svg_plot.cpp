@@ -6,13 +6,11 @@
 #include "hostapp/svg_plot.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
-#include <cstdlib>
-#include <cstring>
 #include <fstream>
 
 #include "hostapp/plot_bounds.h"
+#include "hostapp/svg_text.h"
 
 namespace hostapp {
 
@@ -30,41 +28,9 @@ const char *const PALETTE[] = {"#1f77b4", "#d62728", "#2ca02c", "#ff7f0e", "#946
                                "#8c564b", "#e377c2", "#17becf", "#7f7f7f", "#bcbd22"};
 constexpr int PALETTE_SIZE = sizeof PALETTE / sizeof PALETTE[0];
 
-std::string escapeXml(const std::string &text)
-{
-    std::string out;
-    for (char c : text) {
-        unsigned char u = (unsigned char)c;
-        switch (c) {
-        case '&': out += "&amp;"; break;
-        case '<': out += "&lt;"; break;
-        case '>': out += "&gt;"; break;
-        case '"': out += "&quot;"; break;
-        case '\'': out += "&apos;"; break;
-        default: out += (u < 0x20 || u >= 0x7F) ? '?' : c;    /* record texts are plain ASCII */
-        }
-    }
-    return out;
-}
-
-/* Appends v as printf would write it with "%.Nf" (fixed) or "%g" and "%.Ng" (general):
-** std::to_chars gives the same digits, several times faster. */
-void appendNumber(std::string &out, double v, std::chars_format style = std::chars_format::fixed, int precision = 2)
-{
-    char text[64];
-    auto [end, error] = std::to_chars(text, text + sizeof text, v, style, precision);
-    if (error == std::errc())
-        out.append(text, end);
-}
-
-/* v in a printf format of the kinds above: "%.2f", "%.0f", "%g", "%.3g". */
 std::string number(double v, const char *format = "%.2f")
 {
-    int precision = format[1] == '.' ? std::atoi(format + 2) : 6;
-    char type = format[std::strlen(format) - 1];
-    std::string text;
-    appendNumber(text, v, type == 'f' ? std::chars_format::fixed : std::chars_format::general, precision);
-    return text;
+    return svgNumber(v, format);
 }
 
 /* One axis: the values shown from lo to hi over pixels from p0 to p1. */
@@ -138,7 +104,7 @@ std::string linearTickLabel(double v, double step)
         return number(v, "%g");
     int decimals = std::clamp((int)-std::floor(std::log10(step) + 1e-9), 0, 6);
     std::string text;
-    appendNumber(text, v, std::chars_format::fixed, decimals);
+    appendSvgNumber(text, v, std::chars_format::fixed, decimals);
     return text;
 }
 
@@ -245,15 +211,15 @@ std::string curvePath(const std::vector<Pixel> &points, size_t *drawn, std::vect
             continue;
         if (!(pen.valid() && pen.x == x0 && pen.y == y0)) {
             d += d.empty() ? "M" : " M";
-            appendNumber(d, x0);
+            appendSvgNumber(d, x0);
             d += ',';
-            appendNumber(d, y0);
+            appendSvgNumber(d, y0);
             *drawn += inside(points[i - 1].x, points[i - 1].y) ? 1 : 0;
         }
         d += " L";
-        appendNumber(d, x1);
+        appendSvgNumber(d, x1);
         d += ',';
-        appendNumber(d, y1);
+        appendSvgNumber(d, y1);
         *drawn += inside(p.x, p.y) ? 1 : 0;
         pen = {x1, y1};
     }

@@ -84,7 +84,7 @@ TEST_F(RootLocusCommand, AutomaticRunLimitsTheBoundsToTheExtreme)
     EXPECT_LE(plot->xMax, m);
     EXPECT_GE(plot->yMin, -m);
     EXPECT_LE(plot->yMax, m);
-    EXPECT_TRUE(std::filesystem::exists(dir.file("Root Locus-1.svg")));
+    EXPECT_TRUE(std::filesystem::exists(dir.file("Root-Locus.svg")));
 }
 
 TEST_F(RootLocusCommand, ManualRunRecordsItsGainsAndReusesThePlot)
