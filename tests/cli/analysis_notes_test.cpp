@@ -31,7 +31,7 @@ TEST(AnalysisNotes, PointsPickedOrTakenAreNamed)
     writeFile(dir.file("nopoints.json"), text);
     run = runPraxa(common + dir.file("nopoints.json") + " bode");
     EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_NE(run.out.find("[plot] Bode-Phase1.svg\n[host] reference points taken: input ctrl.1, output motor.out\n"),
+    EXPECT_NE(run.out.find("[plot] Bode-Phase.svg\n[host] reference points taken: input ctrl.1, output motor.out\n"),
               std::string::npos)
         << run.out;
 }
