@@ -35,6 +35,11 @@ struct PlotBlock {
     std::vector<std::unique_ptr<TraceBuffers>> buffers;
     bool shown = false;
     std::string fileName;
+    struct {
+        PlotParamInfo *info;
+        double *parameters;
+        int32_t *zeroBranches;
+    } held{};                           /* the parameter blocks last seen on the record */
 
     PlotBlock(int atX, int atY) : x(atX), y(atY)
     {
@@ -48,13 +53,25 @@ struct PlotBlock {
         freeBuffers();
         for (PlotTrace &t : record.traces)
             gfree(t.points.items);
-        /* The parameter record and its parameter array belong to the plot.  The
-        ** zero-branch array is not freed: the plug-in sets that pointer only after
-        ** some runs, so it may hold no allocation at all. */
-        if (record.paramInfo) {
-            gfree(record.paramInfo->parameters);
-            gfree(record.paramInfo);
-        }
+        record.paramInfo = nullptr;
+        releaseReplacedParameters();
+    }
+
+    /* A parameter record and its arrays, once hung on the plot, belong to it. A later run
+    ** into the same plot hangs a new record (or new arrays on the old one) in their place;
+    ** the host frees the replaced ones the next time it handles the plot. */
+    void releaseReplacedParameters()
+    {
+        PlotParamInfo *info = record.paramInfo;
+        double *parameters = info ? info->parameters : nullptr;
+        int32_t *zeroBranches = info ? info->zeroBranches : nullptr;
+        if (held.parameters != parameters)
+            gfree(held.parameters);
+        if (held.zeroBranches != zeroBranches)
+            gfree(held.zeroBranches);
+        if (held.info != info)
+            gfree(held.info);
+        held = {info, parameters, zeroBranches};
     }
 
     void freeBuffers()
@@ -86,11 +103,19 @@ std::vector<std::unique_ptr<PlotBlock>> &store()
     return blocks;
 }
 
+/* The lookups below serve every plot service the plug-in calls; each releases what the
+** plug-in replaced on the plot it finds. */
+PlotBlock *handled(PlotBlock *p)
+{
+    p->releaseReplacedParameters();
+    return p;
+}
+
 PlotBlock *findBlock(const HostBlock *block)
 {
     for (auto &p : store())
         if (&p->block == block)
-            return p.get();
+            return handled(p.get());
     return nullptr;
 }
 
@@ -98,7 +123,7 @@ PlotBlock *findByRecord(const PlotRecord *record)
 {
     for (auto &p : store())
         if (&p->record == record)
-            return p.get();
+            return handled(p.get());
     return nullptr;
 }
 
@@ -109,7 +134,7 @@ PlotBlock *findByTraceList(const HostList *points, int *trace)
         for (int k = 0; k < PLOT_MAX_TRACES; ++k)
             if (&p->record.traces[k].points == points) {
                 *trace = k;
-                return p.get();
+                return handled(p.get());
             }
     return nullptr;
 }

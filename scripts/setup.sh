@@ -4,7 +4,8 @@
 set -euo pipefail
 
 packages=(cmake g++ make pkg-config googletest libgtest-dev libbenchmark-dev
-          nlohmann-json3-dev liblapacke-dev libpugixml-dev)
+          nlohmann-json3-dev liblapacke-dev libpugixml-dev
+          clang libfuzzer-14-dev libclang-rt-14-dev)
 
 missing=()
 for p in "${packages[@]}"; do
