@@ -20,6 +20,7 @@
 #include "hostapp/diagram.h"
 #include "hostapp/host_state.h"
 #include "hostapp/plugin_loader.h"
+#include "hostapp/serve.h"
 #include "hostapp/text_file.h"
 #include "platform/driver.h"
 
@@ -30,6 +31,7 @@ namespace {
 const char *const USAGE =
     "usage: praxa [options] [DIAGRAM] COMMAND [command options]\n"
     "       praxa [options] [DIAGRAM] --script FILE\n"
+    "       praxa [options] [DIAGRAM] serve [--port N]   (the session as a web page on 127.0.0.1)\n"
     "\n"
     "Runs a Praxa menu command on a Tervan diagram file and prints the dialogs and\n"
     "messages it shows; result files and plots (SVG) are written into the output folder.\n"
@@ -77,6 +79,8 @@ struct Session {
     int hostVersion = 230;
     int hostRevision = 0;
     std::vector<SessionStep> steps;
+    bool serve = false;
+    int port = 8080;
 };
 
 int unusable(const std::string &message)
@@ -277,7 +281,7 @@ int parseArguments(int argc, char **argv, Session &session)
         }
     }
     /* The first word is the diagram unless it names a command and no such file exists. */
-    if (i < args.size() && (!findCommand(args[i]) || isFile(args[i]))) {
+    if (i < args.size() && ((!findCommand(args[i]) && args[i] != "serve") || isFile(args[i]))) {
         if (i + 1 == args.size() && session.scriptPath.empty() && !isFile(args[i]))
             return unusable("unknown command '" + args[i] + "' (see praxa --help)");
         session.diagramPath = args[i++];
@@ -289,6 +293,15 @@ int parseArguments(int argc, char **argv, Session &session)
         session.steps.push_back({CommandRun{}, point, "--input"});
 
     std::string error;
+    if (i < args.size() && args[i] == "serve") {
+        session.serve = true;
+        if (!session.scriptPath.empty())
+            return unusable("give either --script or serve, not both");
+        if (i + 1 < args.size() && !(args.size() == i + 3 && args[i + 1] == "--port" &&
+                                     parseInteger(args[i + 2], 0, 65535, session.port)))
+            return unusable("serve takes one option, --port N (0 to 65535; 0 picks a free port)");
+        return -1;
+    }
     if (!session.scriptPath.empty()) {
         if (i < args.size())
             return unusable("give either --script or a command, not both");
@@ -393,6 +406,8 @@ int runCommandLine(int argc, char **argv)
             return status;
         worst = std::max(worst, status);
     }
+    if (session.serve)
+        return serveSession(session.diagramPath, session.port);
     printTranscript();
     if (platform::refusedDialogCount() > 0)
         worst = std::max(worst, (int)EXIT_REFUSED);

@@ -40,6 +40,11 @@ bool applyDiagramReferencePoints(std::string &error);
 HostBlock *diagramBlock(const std::string &path);
 RefPoint *diagramPoint(const std::string &blockDotPort);
 
+/* What the host shows on the diagram: the selected top-level blocks, and the points the
+** plug-in highlighted (its reference points) named as BLOCK.inN or BLOCK.outN. */
+std::vector<std::string> selectedBlockIds();
+std::vector<std::string> highlightedPoints();
+
 /* Every signal value, state and state derivative (or next state) of the current
 ** diagram in a fixed order: two snapshots compare equal when nothing changed. */
 std::vector<double> diagramValues();

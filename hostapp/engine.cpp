@@ -312,6 +312,28 @@ RefPoint *diagramPoint(const std::string &blockDotPort)
     return point ? &point->record : nullptr;
 }
 
+std::vector<std::string> selectedBlockIds()
+{
+    std::vector<std::string> ids;
+    if (Diagram *diagram = currentDiagram())
+        for (const Block *block : diagram->selection)
+            ids.push_back(block->id);
+    return ids;
+}
+
+std::vector<std::string> highlightedPoints()
+{
+    std::vector<std::string> names;
+    if (Diagram *diagram = currentDiagram())
+        forEachBlock(diagram->blocks, [&names](const Block &block) {
+            for (const auto *ports : {&block.inputs, &block.outputs})
+                for (const auto &point : *ports)
+                    if (point->record.flags & REF_FLAG_HIGHLIGHT)
+                        names.push_back(block.path + (point->isInput ? ".in" : ".out") + std::to_string(point->port));
+        });
+    return names;
+}
+
 void setSimulationStepObserver(std::function<void()> observer)
 {
     if (Diagram *diagram = currentDiagram())

@@ -48,6 +48,9 @@ HWND buildDialog(const DialogTemplate &t, DLGPROC procedure)
     dialog.templateName = t.name;
     dialog.procedure = procedure;
     dialog.focusBefore = focusedWindow();
+    dialog.x = t.x, dialog.y = t.y, dialog.cx = t.cx, dialog.cy = t.cy;
+    dialog.fontFace = t.fontFace;
+    dialog.fontSize = t.fontSize;
     for (const ControlTemplate &c : t.controls) {
         Window &control = createWindow(controlKind(c), dialog.handle);
         control.id = c.id;
@@ -55,6 +58,7 @@ HWND buildDialog(const DialogTemplate &t, DLGPROC procedure)
         control.style = c.style;
         control.visible = (c.style & STYLE_VISIBLE) != 0;
         control.enabled = (c.style & STYLE_DISABLED) == 0;
+        control.x = c.x, control.y = c.y, control.cx = c.cx, control.cy = c.cy;
         dialog.controls.push_back(control.handle);
     }
     return dialog.handle;
@@ -90,17 +94,20 @@ void closeDialog(HWND dialog)
 
 int defaultMessageBoxAnswer(UINT type)
 {
+    size_t defaultButton = (type >> 8) & 0xF;
+    const std::vector<int> &choices = messageBoxButtons(type);
+    return choices[defaultButton < choices.size() ? defaultButton : 0];
+}
+
+}
+
+const std::vector<int> &messageBoxButtons(UINT type)
+{
     static const std::vector<std::vector<int>> buttons = {
         {IDOK}, {IDOK, IDCANCEL}, {IDABORT, IDRETRY, IDIGNORE}, {IDYES, IDNO, IDCANCEL},
         {IDYES, IDNO}, {IDRETRY, IDCANCEL}, {IDCANCEL, 10, 11}};
     size_t kind = type & 0xF;
-    if (kind >= buttons.size())
-        kind = 0;
-    size_t defaultButton = (type >> 8) & 0xF;
-    const std::vector<int> &choices = buttons[kind];
-    return choices[defaultButton < choices.size() ? defaultButton : 0];
-}
-
+    return buttons[kind < buttons.size() ? kind : 0];
 }
 
 }
@@ -172,8 +179,9 @@ BOOL EndDialog(HWND dialog, INT_PTR result)
 int MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT type)
 {
     (void)owner;
-    transcriptNote(std::string("[") + (caption ? caption : "Error") + "] " + (text ? text : ""));
-    return nextMessageBoxAnswer(defaultMessageBoxAnswer(type));
+    std::string shownCaption = caption ? caption : "Error", shownText = text ? text : "";
+    transcriptNote("[" + shownCaption + "] " + shownText);
+    return answerMessageBox(shownCaption, shownText, type, defaultMessageBoxAnswer(type));
 }
 
 }

@@ -23,6 +23,7 @@ struct DriverState {
     std::vector<std::string> transcript;
     int refusedDialogs = 0;
     int scriptErrors = 0;
+    PersonDriver person;
 };
 
 DriverState &driver()
@@ -109,6 +110,8 @@ void sendCommand(HWND dialog, int id, HWND control)
     callDialogProcedure(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(control));
 }
 
+}
+
 /* The Esc key: IDCANCEL, unless the dialog has a disabled Cancel button. */
 void pressEscape(HWND dialog)
 {
@@ -139,6 +142,8 @@ void pressEnter(HWND dialog)
         return;
     sendCommand(dialog, id, button ? button->handle : nullptr);
 }
+
+namespace {
 
 /* Typing replaces the whole text, as a user who selects all and types; the edit's own
 ** styles apply (read-only refuses, upper/lower case converts, digits-only drops the rest). */
@@ -186,7 +191,9 @@ void selectEntry(HWND dialog, Window &list, int index)
         notifyParent(*w, LBN_SELCHANGE);
 }
 
-void perform(HWND dialog, const DialogAction &action)
+}
+
+void performDialogAction(HWND dialog, const DialogAction &action)
 {
     transcriptNote(actionLine(action));
     if (action.kind == ActionKind::Cancel) {
@@ -240,8 +247,6 @@ void perform(HWND dialog, const DialogAction &action)
     }
 }
 
-}
-
 void recordError(const std::string &message)
 {
     transcriptNote("[error] " + message);
@@ -276,6 +281,10 @@ void recordDialogSnapshot(const Window &dialog)
 ** pressed refused its entry: it is cancelled (Esc), and ended by force if it ignores that. */
 void driveDialog(HWND dialog)
 {
+    if (driver().person.driveDialog) {
+        driver().person.driveDialog(dialog);
+        return;
+    }
     int performed = 0;
     for (;;) {
         const Window *d = findWindow(dialog);
@@ -284,7 +293,7 @@ void driveDialog(HWND dialog)
         if (performed < MAX_ACTIONS_PER_DIALOG) {
             if (std::optional<DialogAction> action = takeActionFor(*d)) {
                 ++performed;
-                perform(dialog, *action);
+                performDialogAction(dialog, *action);
                 continue;
             }
         } else if (performed == MAX_ACTIONS_PER_DIALOG && hasActionFor(*d)) {
@@ -305,8 +314,10 @@ void driveDialog(HWND dialog)
     }
 }
 
-int nextMessageBoxAnswer(int defaultAnswer)
+int answerMessageBox(const std::string &caption, const std::string &text, UINT type, int defaultAnswer)
 {
+    if (driver().person.answerMessageBox)
+        return driver().person.answerMessageBox(caption, text, type, defaultAnswer);
     auto &answers = driver().messageBoxAnswers;
     if (answers.empty())
         return defaultAnswer;
@@ -314,6 +325,8 @@ int nextMessageBoxAnswer(int defaultAnswer)
     answers.pop_front();
     return answer;
 }
+
+void installPersonDriver(PersonDriver person) { driver().person = std::move(person); }
 
 void queueDialogAction(const DialogAction &action) { driver().actions.push_back(action); }
 

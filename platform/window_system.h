@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/driver.h"
 #include "platform/winapi.h"
 
 namespace platform {
@@ -58,6 +59,11 @@ struct Window {
 
     /* Main window. */
     HMENU menu = nullptr;
+
+    /* Dialogs and controls: the template's rectangle (dialog units); dialogs: its font. */
+    int x = 0, y = 0, cx = 0, cy = 0;
+    std::string fontFace;
+    int fontSize = 0;
 };
 
 /* ---- windows.cpp ---- */
@@ -84,6 +90,10 @@ void checkRadioInGroup(Window &radio);
 void setMainWindowProcedure(std::function<LRESULT(UINT, WPARAM, LPARAM)> handler);
 void resetWindowSystem();
 
+/* ---- dialogs.cpp ---- */
+/* The answers of a message box's buttons, left to right (IDOK, IDYES, ...). */
+const std::vector<int> &messageBoxButtons(UINT type);
+
 /* ---- menus.cpp ---- */
 void resetMenus();
 HMENU createMainMenuBar();                  /* the host's menu bar with its popups */
@@ -94,8 +104,22 @@ void resetProfileState();
 /* ---- driver.cpp ---- */
 void recordDialogSnapshot(const Window &dialog);
 void driveDialog(HWND dialog);              /* acts on the dialog until it has ended */
-int nextMessageBoxAnswer(int defaultAnswer);
+int answerMessageBox(const std::string &caption, const std::string &text, UINT type, int defaultAnswer);
 void recordError(const std::string &message);   /* "[error] message" */
+/* One user action on the dialog: the messages the dialog manager sends for it. */
+void performDialogAction(HWND dialog, const DialogAction &action);
+void pressEnter(HWND dialog);               /* the default push button, if enabled */
+void pressEscape(HWND dialog);              /* IDCANCEL, unless Cancel is disabled */
+
+/* A driver that acts for a person instead of the script: while installed, a dialog that
+** waits for the user is handed to driveDialog until it has ended, a message box to
+** answerMessageBox. Empty functions: the scripted driver acts. */
+struct PersonDriver {
+    std::function<void(HWND dialog)> driveDialog;
+    std::function<int(const std::string &caption, const std::string &text, UINT type, int defaultAnswer)>
+        answerMessageBox;
+};
+void installPersonDriver(PersonDriver driver);
 
 }
 

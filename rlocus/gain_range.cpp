@@ -1,30 +1,12 @@
 /*
-** rlocus/gain_range.cpp: the polynomial root finder (companion matrix) and the automatic
-** gain range of the root locus: the box size S and the top gain Kauto at which the
-** branches bound for infinity have left the box and the zeros are reached.
+** rlocus/gain_range.cpp: the automatic gain range of the root locus: the box size S and
+** the top gain Kauto at which the branches bound for infinity have left the box and the
+** zeros are reached.
 */
 #include <cmath>
 
 #include "freq/pole_zero.h"
-#include "numeric/eigen.h"
 #include "rlocus/locus_state.h"
-
-int32_t polyRoots(Complex *roots, const double *c, int32_t n, Matrix *W)
-{
-    int32_t d = n;
-    while (d >= 0 && c[d] == 0.0)       /* exact test: a NaN coefficient counts as present */
-        --d;
-    if (d < 1)
-        return d;
-    uint32_t stride = W->rows;
-    for (int32_t j = 0; j < d; ++j)
-        for (int32_t i = 0; i < d; ++i)
-            W->data[(size_t)j * stride + (size_t)i] = (j == i + 1) ? 1.0 : 0.0;
-    for (int32_t j = 0; j < d; ++j)
-        W->data[(size_t)j * stride + (size_t)(d - 1)] = -c[j] / c[d];
-    eigenValues(roots, W, d);
-    return d;
-}
 
 int32_t countRootsOutside(const Complex *roots, double S, int32_t count)
 {

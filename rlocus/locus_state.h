@@ -1,6 +1,7 @@
 /*
 ** rlocus/locus_state.h: the root locus module's shared state and the operations of the
-** sweep (root_locus.cpp), the gain range and root finder (gain_range.cpp) and the
+** sweep (root_locus.cpp), the root tracking from step to step (root_tracking.cpp), the
+** polynomial root finder (poly_roots.cpp), the gain range (gain_range.cpp) and the
 ** pairing of branches with zeros (zero_branches.cpp).  Gains K are loop gains (no
 ** unit); coefficient arrays are ascending (index k holds the coefficient of s^k).
 */
@@ -18,8 +19,8 @@ inline constexpr int32_t ROOT_LOCUS_MAX_BRANCHES = 1024;
 inline constexpr int32_t ROOT_LOCUS_MAX_STEPS = 1 << 16;
 
 /* Module state of the root locus.  The step buffers (closedLoop, companion, roots,
-** previous) are kept from run to run and enlarged when the order grows; the auto
-** buffers exist only during a run (null otherwise). */
+** previous and the tracking buffers) are kept from run to run and enlarged when the
+** order grows; the auto buffers exist only during a run (null otherwise). */
 struct RootLocusState {
     int32_t order;                  /* n of the current run */
     const double *numerator;        /* the caller's arrays, n + 1 each */
@@ -29,6 +30,19 @@ struct RootLocusState {
     Matrix *companion;              /* n x n work matrix of the root finder */
     Complex *roots;                 /* roots of one step, n + 3 */
     Complex *previous;              /* each branch's point at the step before, n */
+    Complex *frame;                 /* the points the tracking starts from, n */
+    Complex *slope;                 /* each root's dz/dK there, n */
+    double *reach;                  /* squared distance each root may move, n */
+    int32_t *partner;               /* branch of the conjugate followed with it, or -1;
+                                    ** -2: itself the conjugate of another branch */
+    int32_t frameStep;              /* the step the frame was prepared for; -1: none */
+    int32_t lastStep;               /* the step of the latest rootLocusStep, and its gain */
+    double lastGain;
+    double frameGain;               /* the gain of the frame's points */
+    bool frameHasGain;              /* false: the frame's gain is unknown (no tangent) */
+    bool trackingOff;               /* true: every step through the eigenvalue solver */
+    int32_t trackedSteps;           /* steps of the current run found by tracking */
+    int32_t solvedSteps;            /* steps left to the eigenvalue solver */
     int32_t capacity;               /* order the step buffers are sized for */
     uint64_t taken[ROOT_LOCUS_MAX_BRANCHES / 64];
     double maxRe;                   /* signed real part of largest magnitude seen */
@@ -65,13 +79,27 @@ void storeLocusPoint(PlotRecord *plot, int32_t branch, int32_t step, Complex roo
 void adaptLocusGain(PlotRecord *plot, int32_t n, int32_t stepNumber, double *K, double previousK,
                     double boxSize);
 
-/* --- gain range and root finder (gain_range.cpp) --- */
+/* --- root tracking (root_tracking.cpp) --- */
+
+/* Sets the tracking up from the n points `from` (each branch's point at the step
+** before), found at fromGain when hasGain (the tangents are then taken there; else the
+** roots start from the points themselves). */
+void prepareTracking(const Complex *from, int32_t n, double fromGain, bool hasGain);
+/* The n roots of c (ascending, degree n) into roots, root j on branch j, followed from
+** the prepared points over the gain change dK.  False when tracking cannot vouch for
+** them (a root not converging or leaving its branch's neighbourhood, a leading
+** coefficient of 0, non-finite input); roots then holds nothing usable. */
+bool trackRoots(Complex *roots, const double *c, int32_t n, double dK);
+
+/* --- polynomial root finder (poly_roots.cpp) --- */
 
 /* The roots of c_0 + c_1 s + ... + c_n s^n (ascending, n + 1 coefficients) as the
-** eigenvalues of its companion matrix, built in the top-left of W (at least n x n).
-** Returns the degree d (highest nonzero coefficient; -1 when all are 0) and writes d
-** roots in the eigenvalue solver's order; nothing is written when d < 1. */
+** eigenvalues of its companion matrix, built in Hessenberg form in the top-left of W (at
+** least n x n).  Returns the degree d (highest nonzero coefficient; -1 when all are 0)
+** and writes d roots in the eigenvalue solver's order; nothing is written when d < 1. */
 int32_t polyRoots(Complex *roots, const double *c, int32_t n, Matrix *W);
+
+/* --- gain range (gain_range.cpp) --- */
 /* Box size *S (twice the largest root magnitude, at least 2) and the automatic top
 ** gain *Kauto: the smallest gain found at which nP - nZ roots have left the box and
 ** every zero has a root on it.  Needs the auto buffers and gain of rootLocusState. */

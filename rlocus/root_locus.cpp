@@ -2,7 +2,9 @@
 ** rlocus/root_locus.cpp: the root locus sweep.  Sweeps the loop gain K, finds the n
 ** closed-loop poles (roots of den + K g num) at every step, sorts them onto n continuous
 ** branches by nearest neighbour and writes branch j into the plot's trace pair j; in the
-** automatic mode it adapts the steps and snaps break-away points.
+** automatic mode it adapts the steps and snaps break-away points.  A step's roots are
+** followed from the step before where that is sure to give the same branches, and found
+** as eigenvalues otherwise.
 */
 #include <algorithm>
 #include <cmath>
@@ -89,21 +91,75 @@ static void noteExtreme(Complex r)
         st.maxRe = r.re;
 }
 
+/* Prepares the tracking for step `step` from the points in previous, unless it is
+** prepared from these very points already (a later try at the same step). */
+static void frameStep(int32_t step)
+{
+    RootLocusState &st = rootLocusState;
+    int32_t n = st.order;
+    bool samePoints = st.frameStep == step && std::memcmp(st.frame, st.previous, sizeof(Complex) * (size_t)n) == 0;
+    if (samePoints)
+        return;
+    if (st.frameStep != step) {
+        /* The tangents need the gain the points were found at: that of the latest call,
+        ** when it was for the step before. */
+        st.frameHasGain = st.lastStep == step - 1;
+        st.frameGain = st.frameHasGain ? st.lastGain : 0.0;
+    }
+    prepareTracking(st.previous, n, st.frameGain, st.frameHasGain);
+    st.frameStep = step;
+}
+
+/* Stores the tracked roots, root j on branch j; returns the largest distance moved. */
+static double storeTrackedRoots(PlotRecord *plot, int32_t step)
+{
+    RootLocusState &st = rootLocusState;
+    double farthest = -1.0;
+    int32_t farthestBranch = 0;
+    for (int32_t j = 0; j < st.order; ++j) {
+        Complex r = st.roots[j];
+        double dx = r.re - st.previous[j].re, dy = r.im - st.previous[j].im;
+        if (dx * dx + dy * dy > farthest) {
+            farthest = dx * dx + dy * dy;
+            farthestBranch = j;
+        }
+        storeLocusPoint(plot, j, step, r);
+        noteExtreme(r);
+    }
+    Complex r = st.roots[farthestBranch], p = st.previous[farthestBranch];
+    return std::hypot(r.re - p.re, r.im - p.im);
+}
+
 double rootLocusStep(PlotRecord *plot, int32_t step, double K)
 {
     RootLocusState &st = rootLocusState;
     int32_t n = st.order;
+    bool tracked = false;
+    if (step > 0) {
+        for (int32_t j = 0; j < n; ++j)
+            st.previous[j] = branchPoint(plot, j, step - 1);
+        if (!st.trackingOff) {
+            frameStep(step);
+            for (int32_t k = 0; k <= n; ++k)
+                st.closedLoop[k] = st.denominator[k] + K * st.gain * st.numerator[k];
+            tracked = trackRoots(st.roots, st.closedLoop, n, K - st.frameGain);
+        }
+    }
+    st.lastStep = step;
+    st.lastGain = K;
+    if (tracked) {
+        ++st.trackedSteps;
+        return storeTrackedRoots(plot, step);
+    }
+    ++st.solvedSteps;
     for (int32_t k = 0; k <= n; ++k)
         st.closedLoop[k] = st.denominator[k] + K * st.gain * st.numerator[k];
     /* A degree that drops below n leaves the last roots as the previous step found them. */
     polyRoots(st.roots, st.closedLoop, n, st.companion);
 
     double moved = 0.0;
-    if (step > 0) {
+    if (step > 0)
         std::memset(st.taken, 0, sizeof st.taken);
-        for (int32_t j = 0; j < n; ++j)
-            st.previous[j] = branchPoint(plot, j, step - 1);
-    }
     for (int32_t i = 0; i < n; ++i) {
         Complex r = st.roots[i];
         int32_t branch = i;
@@ -125,6 +181,29 @@ double rootLocusStep(PlotRecord *plot, int32_t step, double K)
         noteExtreme(r);
     }
     return moved;
+}
+
+/* Steps from..to - 1 repeat step from - 1, whose roots are all finite: each root's
+** nearest point is then itself, so every branch keeps its point.  False (nothing
+** written) when a point is not finite. */
+static bool repeatLastStep(PlotRecord *plot, int32_t from, int32_t to)
+{
+    int32_t n = rootLocusState.order;
+    for (int32_t j = 0; j < n; ++j) {
+        Complex p = branchPoint(plot, j, from - 1);
+        if (!std::isfinite(p.re) || !std::isfinite(p.im))
+            return false;
+    }
+    for (int32_t j = 0; j < n; ++j) {
+        Complex p = branchPoint(plot, j, from - 1);
+        storeLocusPoint(plot, j, to - 1, p);        /* sizes the buffers */
+        for (int coordinate = 0; coordinate < 2; ++coordinate) {
+            PlotPointBuffer *buffer = pointBuffer(plot, j, coordinate);
+            if (buffer && buffer->values)
+                std::fill(buffer->values + from, buffer->values + to, coordinate == 0 ? p.re : p.im);
+        }
+    }
+    return true;
 }
 
 /* --- the automatic step control --- */
@@ -222,6 +301,10 @@ static void sizeStepBuffers(int32_t n)
     ** are kept, from run to run as well. */
     std::fill(st.roots + keptRoots, st.roots + n + 3, Complex{0.0, 0.0});
     st.previous = (Complex *)grealloc(st.previous, sizeof(Complex) * (size_t)n);
+    st.frame = (Complex *)grealloc(st.frame, sizeof(Complex) * (size_t)n);
+    st.slope = (Complex *)grealloc(st.slope, sizeof(Complex) * (size_t)n);
+    st.reach = (double *)grealloc(st.reach, sizeof(double) * (size_t)n);
+    st.partner = (int32_t *)grealloc(st.partner, sizeof(int32_t) * (size_t)n);
     st.capacity = n;
 }
 
@@ -233,6 +316,8 @@ void beginLocusRun(const double *num, const double *den, int32_t n, double gain)
     st.denominator = den;
     st.gain = gain;
     sizeStepBuffers(n);
+    st.frameStep = st.lastStep = -1;
+    st.trackedSteps = st.solvedSteps = 0;
     st.autoNumerator = (double *)galloc(sizeof(double) * (size_t)(n + 1));
     st.autoDenominator = (double *)galloc(sizeof(double) * (size_t)(n + 1));
     std::copy(num, num + n + 1, st.autoNumerator);
@@ -325,10 +410,14 @@ static void sweep(PlotRecord *plot, double *parameters, int32_t steps, int32_t n
     for (int32_t i = 1; i <= steps; ++i) {
         double lastK = recordedK;
         /* A branch has run far out: the remaining steps all repeat the current gain (the
-        ** step already advanced to), so the branches stop growing. */
+        ** step already advanced to), so the branches stop growing.  Its roots are found
+        ** once. */
         if (extent > 2.0 * S) {
+            rootLocusStep(plot, i - 1, K);
+            bool repeated = repeatLastStep(plot, i, steps);
             for (int32_t j = i; j <= steps; ++j) {
-                rootLocusStep(plot, j - 1, K);
+                if (j > i && !repeated)
+                    rootLocusStep(plot, j - 1, K);
                 parameters[j - 1] = K;
             }
             return;

@@ -12,8 +12,9 @@
 #include "numeric/matrix.h"
 
 /* Reduces S in place, one state per pass, while the feed-through of the current output
-** row has magnitude <= tolerance and its output row does not vanish.  Returns the order
-** of the reduced system (0..n), which is the number of finite zeros. */
+** row is zero to within tolerance (relative, a multiple of the rounding unit; scaled by n
+** and the norms of b, c and A).  Returns the order of the reduced system (0..n), which is
+** the number of finite zeros; 0 when the output row vanishes (G identically 0). */
 int32_t reduceSysMatrix(Matrix *S, int32_t n, double tolerance);
 
 /* From a reduced S of order k (k >= 1): Ar = S(0..k-1, 1..k), br = S(0..k-1, 0),

@@ -58,8 +58,9 @@ void stateToZeros(Matrix *A, Matrix *B, Matrix *C, Matrix *D, Complex *zerosOut,
 /* The n eigenvalues of A into polesOut, those of modulus below 1e-6 set to exactly 0;
 ** denominator->coefficients (n + 2 doubles) receives the monic D(s), ascending; count = n + 1. */
 void stateToPoles(Matrix *A, Complex *polesOut, Polynomial *denominator);
-/* K such that K N(s)/D(s) = C (sI - A)^-1 B + D, from one real test point s in [0, 1);
-** 0 when every test point lies within 0.1 of a real part of a pole or zero. */
+/* K such that K N(s)/D(s) = C (sI - A)^-1 B + D, N and D monic with the given roots,
+** from one LU solve at the real point s = 2 max(|root|) (2 without roots); 0 when G is 0
+** there or the solve fails (a singular or non-finite model). */
 double xferGain(Matrix *A, Matrix *B, Matrix *C, Matrix *D, const Complex *poles,
                 const Complex *zeros, int32_t zeroCount, int32_t poleCount);
 /* The monic polynomial prod (s - roots[k]) into coefficientsOut[0..count] (ascending, real

@@ -3,6 +3,7 @@
 ** Householder reduction of the system matrix [b A; d c] to a model with nonzero
 ** feed-through, whose zeros are the eigenvalues of Ar - br cr / dr.
 */
+#include <cfloat>
 #include <cmath>
 
 #include "host/host.h"
@@ -11,9 +12,12 @@
 #include "xfer/work_matrix.h"
 #include "xfer/xfer.h"
 
-/* Below this the feed-through and the output row count as zero: an exact-zero test
-** in practice, so a rounding residue in the feed-through ends the reduction. */
-static const double REDUCTION_TOLERANCE = 1e-270;
+/* The reduction's tolerance in units of the rounding unit, times the order: a
+** feed-through or output row that small against the data is a rounding residue of one
+** that is exactly zero.  (An absolute tolerance near 1e-270 took such a residue for a
+** real feed-through, divided by it and produced a huge spurious zero and a wrong zero
+** count.) */
+static const double RESIDUE_FACTOR = 64.0 * DBL_EPSILON;
 
 void householderLeft(Matrix *S, int32_t rowOffset, int32_t length, int32_t firstColumn,
                      int32_t lastColumn, const double *u, double beta)
@@ -38,30 +42,74 @@ void householderRight(Matrix *S, int32_t rowCount, int32_t length, const double 
     }
 }
 
+static double columnNorm(const Matrix *S, int32_t column, int32_t firstRow, int32_t lastRow)
+{
+    double sum = 0.0;
+    for (int32_t i = firstRow; i <= lastRow; i++)
+        sum += elementAt(S, i, column) * elementAt(S, i, column);
+    return std::sqrt(sum);
+}
+
+static double rowNorm(const Matrix *S, int32_t row, int32_t firstColumn, int32_t lastColumn)
+{
+    double sum = 0.0;
+    for (int32_t j = firstColumn; j <= lastColumn; j++)
+        sum += elementAt(S, row, j) * elementAt(S, row, j);
+    return std::sqrt(sum);
+}
+
 /* Each pass removes the state that the output reads directly and replaces the output by
-** its derivative; the zeros stay.  At most n passes. */
+** its derivative; the zeros stay.  At most n passes.
+**
+** What counts as zero is measured against the data (Frobenius norms).  The feed-through
+** of a later pass is an entry of b turned by the reflections so far; each reflection is
+** computed from an output row of norm sigma_i whose entries carry errors of order
+** eps |A|, so its direction errs by eps |A| / sigma_i and the feed-through by
+** eps |b| |A| / sigma_i.  A feed-through within the tolerance of |b| (1 + sum of
+** |A| / sigma_i) is a residue of one that is exactly zero.  D itself is compared with
+** |c| |b| / |A|, a size with the units of D.  An output row that vanishes (below
+** tolerance |A|) means G(s) = 0 identically: such a model has no zeros, and 0 is
+** returned. */
 int32_t reduceSysMatrix(Matrix *S, int32_t n, double tolerance)
 {
-    double *u = (double *)galloc(sizeof(double) * (size_t)(n > 0 ? n : 1));
+    if (n < 1)
+        return 0;
+    double scale = tolerance * n;
+    double normB = columnNorm(S, 0, 0, n - 1);
+    double normA = 0.0;
+    for (int32_t j = 1; j <= n; j++) {
+        double c = columnNorm(S, j, 0, n - 1);
+        normA += c * c;
+    }
+    normA = std::sqrt(normA);
+    double normC = rowNorm(S, n, 1, n);
+    double amplification = 1.0;         /* 1 + sum |A| / sigma_i over the passes after the first */
+
+    double *u = (double *)galloc(sizeof(double) * (size_t)n);
     int32_t order = n;
-    for (;;) {
+    while (order > 0) {
         double feedThrough = elementAt(S, order, 0);
-        if (std::sqrt(feedThrough * feedThrough) > tolerance || order == 0)
+        double bound = order == n ? (normA > 0.0 ? scale * normB * normC / normA : 0.0)
+                                  : scale * normB * amplification;
+        if (!(std::fabs(feedThrough) <= bound))       /* also a NaN: taken as present */
             break;
         double sumOfSquares = 0.0;
         for (int32_t j = 1; j <= order; j++)
             sumOfSquares += elementAt(S, order, j) * elementAt(S, order, j);
         double sigma = std::sqrt(sumOfSquares);
-        if (sigma <= tolerance)
+        if (sigma == 0.0 || (order < n && sigma <= scale * normA)) {
+            order = 0;
             break;
-        /* H = I - beta u u^T maps the output row c to (0, ..., 0, alpha). */
+        }
+        if (order < n)
+            amplification += normA / sigma;
+        /* H = I - beta u u^T maps the output row c to (0, ..., 0, alpha);
+        ** |u|^2 = 2 (sigma^2 - c_last alpha). */
         for (int32_t j = 1; j <= order; j++)
             u[j - 1] = elementAt(S, order, j);
         double last = elementAt(S, order, order);
         double alpha = last > 0.0 ? -sigma : sigma;
         u[order - 1] = last - alpha;
-        /* From the sum of squares itself, not sigma * sigma: the last bit decides whether a
-        ** cancelled feed-through comes out as exactly 0 or as a rounding residue. */
         double beta = 1.0 / (sumOfSquares - last * alpha);
         if (order > 1) {
             householderRight(S, order + 1, order, u, beta);
@@ -139,7 +187,7 @@ void stateToZeros(Matrix *A, Matrix *B, Matrix *C, Matrix *D, Complex *zerosOut,
         winMsg("Zero C matrix means no connection to output. Check for delay blocks.");
     } else {
         Matrix *S = buildSystemMatrix(A, B, C, D);
-        zeroCount = reduceSysMatrix(S, n, REDUCTION_TOLERANCE);
+        zeroCount = reduceSysMatrix(S, n, RESIDUE_FACTOR);
         if (zeroCount > 0)
             reducedSystemZeros(S, zeroCount, zerosOut);
         gfree(S);

@@ -24,16 +24,12 @@ protected:
     }
 };
 
-TEST_F(GainRange, CompanionMatrixOfACubicAndItsRoots)
+TEST_F(GainRange, RootsOfACubic)
 {
     const double c[4] = {6, 11, 6, 1};
     Matrix *W = matDecl(3, 3);
     Complex roots[3];
     ASSERT_EQ(polyRoots(roots, c, 3, W), 3);
-    const double rows[3][3] = {{0, 1, 0}, {0, 0, 1}, {-6, -11, -6}};
-    for (int i = 0; i < 3; ++i)
-        for (int j = 0; j < 3; ++j)
-            EXPECT_EQ(W->data[j * 3 + i], rows[i][j]) << i << "," << j;
     std::vector<double> found;
     for (Complex r : roots) {
         EXPECT_NEAR(r.im, 0.0, 1e-12);

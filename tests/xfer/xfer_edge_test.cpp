@@ -1,16 +1,13 @@
 /*
 ** tests/xfer/xfer_edge_test.cpp: zeros, poles, gain and coefficients of hand-derived
-** models: pure integrators, feed-through, first order, an uncancelled pole-zero pair
-** with a rounding residue, an output row that vanishes, pole snapping, the gain's test
-** points and its sign.
+** models: pure integrators, feed-through, first order, an uncancelled pole-zero pair,
+** an output row that vanishes, pole snapping and the gain's sign.
 */
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
-#include <complex>
 #include <memory>
-#include <numbers>
 #include <string>
 
 #include "hostapp/host_state.h"
@@ -48,23 +45,6 @@ Result transferFunctionOf(Model &m)
     r.poles.resize(n);
     r.gain = xferGain(m.A, m.B, m.C, m.D, r.poles.data(), r.zeros.data(), r.zeroCount, n);
     return r;
-}
-
-/* The gain search's test point after `steps` additions of 0.01 to 0.0. */
-double testPointAfter(int steps)
-{
-    double s = 0.0;
-    for (int i = 0; i < steps; i++)
-        s += 0.01;
-    return s;
-}
-
-std::complex<double> polynomialAt(const std::vector<double> &ascending, int degree, std::complex<double> s)
-{
-    std::complex<double> value = 0.0;
-    for (int i = degree; i >= 0; i--)
-        value = value * s + ascending[i];
-    return value;
 }
 
 class XferEdge : public ::testing::Test {
@@ -140,38 +120,19 @@ TEST_F(XferEdge, FirstOrderModelHasNoZeros)
     EXPECT_EQ(r.denominator[1], 1.0);
 }
 
-TEST_F(XferEdge, CoincidingPoleAndZeroAreNotCancelledAndTheResidueMakesAHugeZero)
+TEST_F(XferEdge, CoincidingPoleAndZeroAreNotCancelled)
 {
-    /* (s + 1)/((s + 1)(s + 2)(s + 3)) = (s + 1)/(s^3 + 6s^2 + 11s + 6) */
+    /* (s + 1)/((s + 1)(s + 2)(s + 3)): c b = 0 exactly, and after one pass the feed-through
+    ** is a rounding residue, which ends nothing; the zero -1 stays beside the pole -1. */
     std::unique_ptr<Model> m(controllableForm({1.0, 1.0, 0.0}, {6.0, 11.0, 6.0}));
-
-    Matrix *S = matrixFromRows(4, 4, {0, 0, 1, 0, 0, 0, 0, 1, 1, -6, -11, -6, 0, 1, 1, 0});
-    ASSERT_EQ(reduceSysMatrix(S, 3, 1e-270), 2);
-    double residue = element(S, 2, 0);
-    EXPECT_NE(residue, 0.0);
-    EXPECT_LT(std::fabs(residue), 1e-15);
-    gfree(S);
-
     Result r = transferFunctionOf(*m);
-    ASSERT_EQ(r.zeroCount, 2);
-    int small = std::fabs(r.zeros[0].re) < std::fabs(r.zeros[1].re) ? 0 : 1;
-    EXPECT_NEAR(r.zeros[small].re, -1.0, 1e-9);
-    EXPECT_GT(r.zeros[1 - small].re, 3.0e15);
-    EXPECT_LT(r.zeros[1 - small].re, 3.4e15);
-    EXPECT_GT(r.gain, -3.3e-16);
-    EXPECT_LT(r.gain, -2.9e-16);
+    ASSERT_EQ(r.zeroCount, 1);
+    EXPECT_NEAR(r.zeros[0].re, -1.0, 1e-12);
+    EXPECT_NEAR(r.gain, 1.0, 1e-12);
     bool poleAtMinusOne = false;
     for (const Complex &p : r.poles)
         poleAtMinusOne |= std::fabs(p.re + 1.0) < 1e-9;
     EXPECT_TRUE(poleAtMinusOne);
-
-    /* K N(s)/D(s) still matches 1/((s + 2)(s + 3)) away from the huge zero. */
-    for (std::complex<double> s : {std::complex<double>(0.5, 0), {1.0, 0}, {0, 2.0}, {-0.5, 1.5}}) {
-        std::complex<double> factored =
-            r.gain * polynomialAt(r.numerator, 2, s) / polynomialAt(r.denominator, 3, s);
-        std::complex<double> exact = 1.0 / ((s + 2.0) * (s + 3.0));
-        EXPECT_LT(std::abs(factored - exact) / std::abs(exact), 1e-9) << s;
-    }
 }
 
 TEST_F(XferEdge, PolesNextToTheOriginAreSnappedButZerosAreNot)
@@ -201,71 +162,6 @@ TEST_F(XferEdge, PolesNextToTheOriginAreSnappedButZerosAreNot)
     EXPECT_EQ(r.numerator[0], 9.9e-7);
 }
 
-TEST_F(XferEdge, TestPointsAreAccumulatedSumsOfTheStep)
-{
-    /* A model whose value is 1 everywhere; K = |s0 - p| for the one pole passed in,
-    ** which tells where the search evaluated. */
-    Model unit(1, {-5}, {0}, {1}, 1.0);
-    Complex originPole{0.0, 0.0};
-    double k = xferGain(unit.A, unit.B, unit.C, unit.D, &originPole, nullptr, 0, 1);
-    EXPECT_EQ(k, 0.10999999999999999);
-    EXPECT_NE(k, 0.11);
-
-    Complex nearPole{-0.05, 0.0};
-    k = xferGain(unit.A, unit.B, unit.C, unit.D, &nearPole, nullptr, 0, 1);
-    EXPECT_EQ(k, 0.05 + 0.05);
-
-    /* zeros count as well as poles */
-    Complex originZero{0.0, 0.0};
-    k = xferGain(unit.A, unit.B, unit.C, unit.D, nullptr, &originZero, 1, 0);
-    EXPECT_EQ(k, 1.0 / 0.10999999999999999);
-
-    /* s = 0 ends the search whatever the value: s/(s + 5) handed only its pole gives 0 */
-    Model differentiator(1, {-5}, {1}, {-5}, 1.0);
-    Complex pole{-5.0, 0.0};
-    EXPECT_EQ(xferGain(differentiator.A, differentiator.B, differentiator.C, differentiator.D, &pole, nullptr,
-                       0, 1), 0.0);
-
-    /* a/(s - 5) handed a pole at 0: K = s0 a/(s0 - 5) tells where the search ended.  A value
-    ** above 1e-9 ends it at the first evaluation; smaller ones let it run to the last try
-    ** and keep the largest, the first of equal ones. */
-    double first = testPointAfter(11), last = testPointAfter(99);
-    for (double a : {1e-6, 1e-12}) {
-        Model lag(1, {5}, {1}, {a}, 0.0);
-        double s0 = a > 1e-9 ? first : last;
-        EXPECT_NEAR(xferGain(lag.A, lag.B, lag.C, lag.D, &originPole, nullptr, 0, 1), s0 * a / (s0 - 5.0),
-                    1e-12 * a) << a;
-    }
-    Model flat(1, {-5}, {0}, {1}, 1e-12);
-    EXPECT_EQ(xferGain(flat.A, flat.B, flat.C, flat.D, &originPole, nullptr, 0, 1), first * 1e-12);
-}
-
-TEST_F(XferEdge, NoUsableTestPointGivesZeroGain)
-{
-    /* real parts 0, 0.15, ..., 0.9 cover every test point in [0, 1) */
-    std::vector<double> a(49, 0.0);
-    for (int i = 0; i < 7; i++)
-        a[i * 7 + i] = 0.15 * i;
-    Model m(7, a, std::vector<double>(7, 1.0), std::vector<double>(7, 1.0), 0.0);
-    Result r = transferFunctionOf(m);
-    EXPECT_EQ(r.gain, 0.0);
-
-    /* with s0 left at 0 a zero at the origin stays out of the factors: 0, not 0/0 */
-    Model unit(1, {-5}, {0}, {1}, 1.0);
-    std::vector<Complex> poles;
-    for (int i = 1; i < 7; i++)
-        poles.push_back(Complex{0.15 * i, 0.0});
-    Complex originZero{0.0, 0.0};
-    EXPECT_EQ(xferGain(unit.A, unit.B, unit.C, unit.D, poles.data(), &originZero, 1, 6), 0.0);
-
-    /* the hundredth try, s = 0.99, is the last: with only it clear K = prod |0.99 - p| */
-    poles = {{0, 0}, {0.15, 0}, {0.3, 0}, {0.45, 0}, {0.6, 0}, {0.75, 0}, {0.885, 0}};
-    double product = 1.0;
-    for (const Complex &p : poles)
-        product *= testPointAfter(99) - p.re;
-    EXPECT_NEAR(xferGain(unit.A, unit.B, unit.C, unit.D, poles.data(), nullptr, 0, 7), product, 1e-15);
-}
-
 TEST_F(XferEdge, GainCarriesTheSign)
 {
     Model minus(1, {-1}, {1}, {-2}, 0.0);
@@ -279,51 +175,6 @@ TEST_F(XferEdge, GainCarriesTheSign)
     ASSERT_EQ(r.zeroCount, 1);
     EXPECT_NEAR(r.zeros[0].re, 2.0, 1e-14);
     EXPECT_NEAR(r.gain, -1.0, 1e-14);
-}
-
-/* Root lists handed in by a caller need not hold conjugate pairs, so the angle sum at
-** the test point can take any value; K is negated between 10 and 350 degrees. */
-TEST_F(XferEdge, GainSignFollowsTheAngleSumAtTheTestPoint)
-{
-    Model unit(1, {-5}, {0}, {1}, 1.0);
-    auto gainFor = [&](std::vector<Complex> poles, std::vector<Complex> zeros = {}) {
-        return xferGain(unit.A, unit.B, unit.C, unit.D, poles.data(), zeros.data(), (int32_t)zeros.size(),
-                        (int32_t)poles.size());
-    };
-    auto degrees = [](double d) { return std::tan(d * std::numbers::pi / 180.0); };
-    /* one pole at -1 - i tan(theta): angle -theta at s0 = 0 */
-    EXPECT_GT(gainFor({{-1, -degrees(5)}}), 0.0);
-    EXPECT_LT(gainFor({{-1, -degrees(15)}}), 0.0);
-    /* two poles at 1 - i tan(theta): angle -(360 - 2 theta) */
-    EXPECT_GT(gainFor({{1, -degrees(2)}, {1, -degrees(2)}}), 0.0);
-    EXPECT_LT(gainFor({{1, -degrees(10)}, {1, -degrees(10)}}), 0.0);
-    /* -356 - 30 = -386 degrees, brought back to -26 */
-    EXPECT_LT(gainFor({{1, -degrees(2)}, {1, -degrees(2)}, {-1, -degrees(30)}}), 0.0);
-    /* five times -178 or +178 degrees: -890 or +890, brought back to -170 or +170 */
-    std::vector<Complex> five(5, Complex{1, -degrees(2)});
-    EXPECT_LT(gainFor(five), 0.0);
-    EXPECT_LT(gainFor({}, five), 0.0);
-    /* a zero adds its angle and a pole subtracts it: at the same point they leave 0 */
-    EXPECT_EQ(gainFor({{-1, -degrees(20)}}, {{-1, -degrees(20)}}), 1.0);
-    double k = gainFor({{-1, -1}});
-    EXPECT_DOUBLE_EQ(k, -std::sqrt(2.0));
-}
-
-TEST_F(XferEdge, LargeModelsAwayFromTheOriginKeepTheFactorRatio)
-{
-    /* value 2 everywhere; poles at 0 and one at 0.15 push the test point to 0.25 or beyond */
-    Model two(1, {-5}, {0}, {1}, 2.0);
-    double s0 = 0.0;
-    while (s0 < 0.1 || std::fabs(s0 - 0.15) < 0.1)
-        s0 += 0.01;
-    ASSERT_GE(s0, 0.25);
-    for (int poleCount : {9, 10}) {
-        std::vector<Complex> poles(poleCount - 1, Complex{0, 0});
-        poles.push_back(Complex{0.15, 0});
-        double ratio = std::pow(s0, poleCount - 1) * (s0 - 0.15);
-        double k = xferGain(two.A, two.B, two.C, two.D, poles.data(), nullptr, 0, poleCount);
-        EXPECT_NEAR(k, poleCount == 10 ? ratio : 2.0 * ratio, 1e-12 * ratio) << poleCount;
-    }
 }
 
 TEST_F(XferEdge, ZeroOutputRowIsReportedAndGivesNoZeros)
@@ -343,16 +194,14 @@ TEST_F(XferEdge, ZeroOutputRowIsReportedAndGivesNoZeros)
     EXPECT_FALSE(transcriptHas("Zero C matrix"));
 }
 
-TEST_F(XferEdge, OutputRowVanishingInTheReductionKeepsTheZeroOfTheRest)
+TEST_F(XferEdge, OutputRowVanishingInTheReductionMeansNoZeros)
 {
     /* A = diag(-1, -2), b = (1, 0), c = (0, 1), d = 0: G = 0.  One pass leaves the output
-    ** row of the first state empty with feed-through 0, taken as 1: the zero is -1. */
+    ** row of the first state empty: G is identically 0, which has no zeros. */
     Model m(2, {-1, 0, 0, -2}, {1, 0}, {0, 1}, 0.0);
     Result r = transferFunctionOf(m);
     EXPECT_FALSE(transcriptHas("Zero C matrix"));
-    ASSERT_EQ(r.zeroCount, 1);
-    EXPECT_EQ(r.zeros[0].re, -1.0);
-    EXPECT_EQ(r.zeros[0].im, 0.0);
+    EXPECT_EQ(r.zeroCount, 0);
     EXPECT_EQ(r.gain, 0.0);
 }
 

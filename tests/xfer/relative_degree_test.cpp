@@ -1,0 +1,185 @@
+/*
+** tests/xfer/relative_degree_test.cpp: zeros and gain of random realizations whose
+** Markov parameters c A^k b vanish up to the relative degree r (1 to 5, order up to 30),
+** each turned by a random orthogonal similarity as a linearization leaves them: the zero
+** count must be n - r and K prod(s - z)/prod(s - p) must equal C (sI - A)^-1 B + D as
+** LAPACK's zgesv solves it, also when |G| is tiny.
+*/
+#include <gtest/gtest.h>
+
+#include <lapacke.h>
+
+#include <cmath>
+#include <complex>
+#include <memory>
+#include <random>
+#include <vector>
+
+#include "hostapp/host_state.h"
+#include "platform/driver.h"
+#include "tests/xfer/model.h"
+#include "xfer/xfer.h"
+
+using namespace xfertest;
+using cplx = std::complex<double>;
+
+namespace {
+
+/* C (sI - A)^-1 B + D by LAPACK. */
+cplx responseBySolve(const Model &m, cplx s)
+{
+    int n = m.n;
+    std::vector<cplx> M((size_t)n * n), x(n);
+    std::vector<lapack_int> pivots(n);
+    for (int j = 0; j < n; j++) {
+        for (int i = 0; i < n; i++)
+            M[(size_t)j * n + i] = (i == j ? s : 0.0) - element(m.A, i, j);
+        x[j] = element(m.B, j, 0);
+    }
+    EXPECT_EQ(LAPACKE_zgesv(LAPACK_COL_MAJOR, n, 1, (lapack_complex_double *)M.data(), n, pivots.data(),
+                            (lapack_complex_double *)x.data(), n), 0);
+    cplx y = element(m.D, 0, 0);
+    for (int j = 0; j < n; j++)
+        y += element(m.C, 0, j) * x[j];
+    return y;
+}
+
+/* A random orthogonal n x n matrix (row-major): the Q of a Gaussian matrix's QR. */
+std::vector<double> randomOrthogonal(std::mt19937_64 &rng, int n)
+{
+    std::normal_distribution<double> gauss;
+    std::vector<double> q((size_t)n * n), tau(n);
+    for (double &v : q)
+        v = gauss(rng);
+    EXPECT_EQ(LAPACKE_dgeqrf(LAPACK_ROW_MAJOR, n, n, q.data(), n, tau.data()), 0);
+    EXPECT_EQ(LAPACKE_dorgqr(LAPACK_ROW_MAJOR, n, n, n, q.data(), n, tau.data()), 0);
+    return q;
+}
+
+/* Block-diagonal A0 with poles of real part -0.2 ... -5 (pairs with imaginary part up to
+** 4), b0 Gaussian, c0 Gaussian made orthogonal to b0, A0 b0, ..., A0^(r-2) b0, so that
+** the relative degree is r; then A = Q A0 Q^T, b = Q b0, c = c0 Q^T, c scaled by cScale. */
+Model *realization(std::mt19937_64 &rng, int n, int r, double cScale)
+{
+    std::normal_distribution<double> gauss;
+    std::uniform_real_distribution<double> decay(0.2, 5.0), frequency(0.3, 4.0);
+    std::vector<double> a0((size_t)n * n, 0.0), b0(n), c0(n);
+    for (int i = 0; i < n;) {
+        if (i + 1 < n && gauss(rng) > 0.0) {
+            double sigma = -decay(rng), omega = frequency(rng);
+            a0[i * n + i] = a0[(i + 1) * n + i + 1] = sigma;
+            a0[i * n + i + 1] = omega;
+            a0[(i + 1) * n + i] = -omega;
+            i += 2;
+        } else {
+            a0[i * n + i] = -decay(rng);
+            i++;
+        }
+    }
+    for (double &v : b0)
+        v = gauss(rng);
+    for (double &v : c0)
+        v = gauss(rng);
+    /* Orthonormal basis of the Krylov vectors, then c0 minus its projection on it. */
+    std::vector<std::vector<double>> basis;
+    std::vector<double> v = b0;
+    for (int k = 0; k + 1 < r; k++) {
+        std::vector<double> w = v;
+        for (const auto &e : basis) {
+            double dot = 0.0;
+            for (int i = 0; i < n; i++)
+                dot += w[i] * e[i];
+            for (int i = 0; i < n; i++)
+                w[i] -= dot * e[i];
+        }
+        double norm = 0.0;
+        for (double x : w)
+            norm += x * x;
+        for (double &x : w)
+            x /= std::sqrt(norm);
+        basis.push_back(w);
+        std::vector<double> next(n, 0.0);
+        for (int i = 0; i < n; i++)
+            for (int j = 0; j < n; j++)
+                next[i] += a0[i * n + j] * v[j];
+        v = next;
+    }
+    for (int pass = 0; pass < 2; pass++)        /* twice, for an orthogonality to rounding */
+        for (const auto &e : basis) {
+            double dot = 0.0;
+            for (int i = 0; i < n; i++)
+                dot += c0[i] * e[i];
+            for (int i = 0; i < n; i++)
+                c0[i] -= dot * e[i];
+        }
+    std::vector<double> q = randomOrthogonal(rng, n), a((size_t)n * n, 0.0), qa((size_t)n * n, 0.0),
+                        b(n, 0.0), c(n, 0.0);
+    for (int i = 0; i < n; i++)
+        for (int k = 0; k < n; k++) {
+            b[i] += q[i * n + k] * b0[k];
+            c[i] += cScale * c0[k] * q[i * n + k];
+            for (int j = 0; j < n; j++)
+                qa[i * n + j] += q[i * n + k] * a0[k * n + j];
+        }
+    for (int i = 0; i < n; i++)
+        for (int j = 0; j < n; j++)
+            for (int k = 0; k < n; k++)
+                a[i * n + j] += qa[i * n + k] * q[j * n + k];
+    return new Model(n, a, b, c, 0.0);
+}
+
+class RelativeDegree : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        platform::resetWindowing();
+        hostapp::resetHost();
+    }
+};
+
+}
+
+TEST_F(RelativeDegree, ZeroCountAndGainMatchTheModelOnRandomRealizations)
+{
+    struct Row {
+        int n;
+        double cScale;
+    };
+    /* Orders from 1 to 30; one scale of C small enough that |G| stays far below 1e-9. */
+    const Row rows[] = {{1, 1.0}, {2, 1.0}, {3, 1.0}, {4, 1.0}, {5, 1.0}, {6, 1.0}, {8, 1.0}, {10, 1.0},
+                        {12, 1e-10}, {15, 1.0}, {20, 1.0}, {25, 1e-10}, {30, 1.0}};
+    const cplx points[] = {{0.5, 1.0}, {-1.0, 3.0}, {2.0, 0.0}, {0.0, 7.0}};
+    std::mt19937_64 rng(91);
+    int models = 0;
+    double worst = 0.0;
+    for (const Row &row : rows)
+        for (int r = 1; r <= 5 && r <= row.n; r++)
+            for (int copy = 0; copy < 3; copy++) {
+                std::unique_ptr<Model> m(realization(rng, row.n, r, row.cScale));
+                SCOPED_TRACE("n = " + std::to_string(row.n) + ", r = " + std::to_string(r) + ", C scaled by " +
+                             std::to_string(row.cScale));
+                int n = row.n;
+                std::vector<Complex> zeros(n + 3), poles(n + 3);
+                std::vector<double> numerator(n + 2), denominator(n + 2);
+                Polynomial num{n + 1, numerator.data()}, den{n + 1, denominator.data()};
+                stateToZeros(m->A, m->B, m->C, m->D, zeros.data(), &num);
+                stateToPoles(m->A, poles.data(), &den);
+                int zeroCount = num.count - 1;
+                ASSERT_EQ(zeroCount, n - r);
+                double gain = xferGain(m->A, m->B, m->C, m->D, poles.data(), zeros.data(), zeroCount, n);
+                for (cplx s : points) {
+                    cplx factored = gain;
+                    for (int i = 0; i < zeroCount; i++)
+                        factored *= s - cplx(zeros[i].re, zeros[i].im);
+                    for (int i = 0; i < n; i++)
+                        factored /= s - cplx(poles[i].re, poles[i].im);
+                    cplx reference = responseBySolve(*m, s);
+                    double error = std::abs(factored - reference) / std::abs(reference);
+                    worst = std::max(worst, error);
+                    EXPECT_LT(error, 1e-7) << "at s = " << s << ": " << factored << " against " << reference;
+                }
+                models++;
+            }
+    EXPECT_EQ(models, 3 * (1 + 2 + 3 + 4 + 5 * 9));
+    RecordProperty("worstRelativeError", std::to_string(worst));
+}
