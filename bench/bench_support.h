@@ -86,8 +86,8 @@ inline int run(int argc, char **argv)
         execv("/proc/self/exe", argv);
         return 1;
     }
-    benchmark::AddCustomContext("lapack", loadedLibrary("liblapack"));
-    benchmark::AddCustomContext("blas", loadedLibrary("blas"));
+    benchmark::AddCustomContext("lapack", loadedLibrary("/liblapack.so"));
+    benchmark::AddCustomContext("blas", loadedLibrary("/libblas.so"));
     benchmark::AddCustomContext("OPENBLAS_NUM_THREADS", threads);
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))

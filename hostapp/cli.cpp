@@ -18,6 +18,7 @@
 
 #include "hostapp/command_table.h"
 #include "hostapp/diagram.h"
+#include "hostapp/diagram_picture.h"
 #include "hostapp/host_state.h"
 #include "hostapp/plugin_loader.h"
 #include "hostapp/serve.h"
@@ -345,6 +346,12 @@ int runStep(const SessionStep &step)
         if (!clickReferencePoint(step.pointClick, error))
             return unusable(step.where + ": " + error);
         return EXIT_RAN;
+    }
+    if (step.run.command->id == HOST_COMMAND) {
+        std::string error;
+        bool drawn = writeDiagramPicture(step.run.file, error);
+        printTranscript();
+        return drawn ? EXIT_RAN : unusable(step.where + ": " + error);
     }
     platform::clearDialogActions();
     for (const platform::DialogAction &action : step.run.actions)

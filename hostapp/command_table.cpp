@@ -33,6 +33,7 @@ const std::vector<CommandSpec> &commandTable()
          "                        [--denominator-threshold X] [--negative-frequencies|--no-negative-frequencies]"},
         {"reuse-plots", 296, true, "toggle reuse of plots"},
         {"about", 245, true, "the about box"},
+        {"draw", HOST_COMMAND, true, "an SVG picture of the diagram (host); [--file NAME.svg]"},
     };
     return table;
 }
@@ -197,7 +198,9 @@ bool parseCommandOptions(const CommandSpec &command, const std::vector<std::stri
             return false;
         };
         bool ok;
-        if (name == "linearize" && option == "--file") {
+        if (name == "draw" && option == "--file") {
+            ok = next(run.file);
+        } else if (name == "linearize" && option == "--file") {
             run.actions.push_back(action(dialog, ActionKind::Click, IDC_LIN_TO_FILE));
             ok = typed(IDC_LIN_RESULT_FILE);
         } else if (name == "linearize" && option == "--screen") {

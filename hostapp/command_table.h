@@ -15,10 +15,12 @@ namespace hostapp {
 
 struct CommandSpec {
     const char *name;
-    uint16_t id;
+    uint16_t id;                /* menu item of the plug-in; HOST_COMMAND for the host's own */
     bool available;             /* false: the analysis is not in this build */
     const char *summary;
 };
+
+inline constexpr uint16_t HOST_COMMAND = 0;
 
 const std::vector<CommandSpec> &commandTable();
 const CommandSpec *findCommand(const std::string &name);
@@ -27,6 +29,7 @@ const CommandSpec *findCommand(const std::string &name);
 struct CommandRun {
     const CommandSpec *command = nullptr;
     std::vector<platform::DialogAction> actions;
+    std::string file;           /* a host command's --file */
 };
 
 /* Turns a command's options (args after the command name) into dialog actions.

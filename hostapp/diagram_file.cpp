@@ -426,6 +426,8 @@ void Loader::readParameters(Block &block, const json &fields, const std::string 
         std::string error;
         if (!realizeTransferFunction(num, den, block.linear, error))
             fail(pointer, what + ": " + error);
+        block.num = num;
+        block.den = den;
         allowed.insert(allowed.end(), {"num", "den"});
         break;
     }

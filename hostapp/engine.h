@@ -78,6 +78,7 @@ struct Block {
     double lower = 0.0, upper = 0.0;    /* saturation */
     std::string signs;                  /* sum: one '+' or '-' per input */
     LinearSystem linear;                /* integrator, transfer functions, state space */
+    std::vector<double> num, den;       /* transfer functions as written: descending powers */
     double samplePeriod = 0.0;          /* discrete blocks and unit delay: seconds, 0 = every step */
     uint8_t dataType = SIGNAL_TYPE_DOUBLE;
 

@@ -34,7 +34,8 @@ struct PlotBlock {
     char windowTag = 0;                 /* its address is the block's window handle */
     std::vector<std::unique_ptr<TraceBuffers>> buffers;
     bool shown = false;
-    std::string fileName;
+    std::string baseName;               /* given at the first show, kept for the plot's life */
+    uint64_t writtenFingerprint = 0;    /* of what the file last written shows; 0: none */
     struct {
         PlotParamInfo *info;
         double *parameters;
@@ -53,8 +54,9 @@ struct PlotBlock {
         freeBuffers();
         for (PlotTrace &t : record.traces)
             gfree(t.points.items);
+        releaseReplacedParameters();    /* takes over what hangs on the record now */
         record.paramInfo = nullptr;
-        releaseReplacedParameters();
+        releaseReplacedParameters();    /* and frees it */
     }
 
     /* A parameter record and its arrays, once hung on the plot, belong to it. A later run
@@ -171,37 +173,102 @@ void addTraceBuffers(PlotBlock &p, uint32_t capacity)
     p.buffers.push_back(std::move(pair));
 }
 
-/* A file name for the plot's title, unique among the live plots. */
-std::string fileNameFor(const PlotBlock &p)
+/* Names given to plots since the host started (or was reset): a name once given is
+** never given to another plot, so a later plot cannot overwrite an earlier one's file. */
+std::vector<std::string> &namesGiven()
 {
+    static std::vector<std::string> names;
+    return names;
+}
+
+/* The title without the session counter the plug-in appends ("Nyquist0", "Root Locus-1"),
+** letters and digits kept, every other run of characters one '-': the same plot gets the
+** same name whatever ran before it, and the name needs no quoting in a shell. */
+std::string baseNameFor(const PlotBlock &p)
+{
+    std::string title = recordText(p.record.title, sizeof p.record.title);
+    size_t end = title.find_last_not_of("0123456789");
+    title.erase(end == std::string::npos ? 0 : end + 1);
     std::string base;
-    for (char c : recordText(p.record.title, sizeof p.record.title)) {
-        bool kept = std::isalnum((unsigned char)c) || std::strchr(" -_.,()+", c);
-        base += (kept && (unsigned char)c < 0x80) ? c : '_';
+    for (char c : title) {
+        if (std::isalnum((unsigned char)c) && (unsigned char)c < 0x80)
+            base += c;
+        else if (!base.empty() && base.back() != '-')
+            base += '-';
     }
+    while (!base.empty() && base.back() == '-')
+        base.pop_back();
     if (base.size() > 100)
         base.resize(100);
-    if (base.empty() || base[0] == '.')
-        base = "Plot" + base;
+    if (base.empty())
+        base = "Plot";
     for (int n = 1;; ++n) {
-        std::string name = n == 1 ? base + ".svg" : base + " (" + std::to_string(n) + ").svg";
-        bool taken = std::any_of(store().begin(), store().end(), [&](const auto &other) {
-            return other.get() != &p && other->fileName == name;
-        });
-        if (!taken)
+        std::string name = n == 1 ? base : base + "-" + std::to_string(n);
+        if (std::find(namesGiven().begin(), namesGiven().end(), name) == namesGiven().end()) {
+            namesGiven().push_back(name);
             return name;
+        }
     }
 }
 
-/* Writes the plot's picture; says in the transcript which file, or why not. */
+/* Mixes bytes into a running hash, a multiply-xorshift step per 8 bytes. */
+uint64_t mixWords(uint64_t hash, const void *data, size_t bytes)
+{
+    const unsigned char *b = (const unsigned char *)data;
+    for (size_t k = 0; k + 8 <= bytes; k += 8) {
+        uint64_t word;
+        std::memcpy(&word, b + k, 8);
+        hash = (hash ^ word) * 0x9E3779B97F4A7C15ull;
+        hash ^= hash >> 29;
+    }
+    for (size_t k = bytes - bytes % 8; k < bytes; ++k)
+        hash = (hash ^ b[k]) * 0x100000001B3ull;
+    return hash;
+}
+
+/* A hash of everything the picture is drawn from (the record, its trace points and
+** buffers, the first gain of a root locus) and of the file's path.  The plug-in writes
+** into that memory without telling the host, so a change is found by looking. */
+uint64_t fingerprint(const PlotBlock &p, const std::string &path)
+{
+    uint64_t hash = mixWords(0xCBF29CE484222325ull, &p.record, sizeof p.record);
+    for (const PlotTrace &t : p.record.traces)
+        if (t.points.items)
+            hash = mixWords(hash, t.points.items, sizeof(double) * (size_t)t.points.capacity);
+    for (const auto &pair : p.buffers)
+        for (const PlotPointBuffer &b : pair->coordinate) {
+            hash = mixWords(hash, &b, sizeof b);
+            if (b.values)
+                hash = mixWords(hash, b.values, sizeof(double) * (size_t)b.capacity);
+        }
+    const PlotParamInfo *info = p.record.paramInfo;
+    if (info && info->parameters)
+        hash = mixWords(hash, info->parameters, sizeof(double));
+    hash = mixWords(hash, path.data(), path.size());
+    return hash ? hash : 1;
+}
+
+/* Writes the plot's picture, unless the file already shows it; says in the transcript
+** which file, or why not. */
 void writePlot(PlotBlock &p, bool note)
 {
-    std::string path = outputPath(p.fileName);
+    std::string fileName = p.baseName + ".svg";
+    std::string path = outputPath(fileName);
+    uint64_t current = fingerprint(p, path);
     std::string error;
-    if (!writeSvgFile(path, renderPlotSvg(p.view()), &error))
+    if (current == p.writtenFingerprint) {
+        if (note)
+            platform::transcriptNote("[plot] " + fileName);
+        return;
+    }
+    p.writtenFingerprint = 0;
+    if (!writeSvgFile(path, renderPlotSvg(p.view()), &error)) {
         platform::transcriptNote("[plot] cannot write " + path + ": " + error);
-    else if (note)
-        platform::transcriptNote("[plot] " + p.fileName);
+        return;
+    }
+    p.writtenFingerprint = current;
+    if (note)
+        platform::transcriptNote("[plot] " + fileName);
 }
 
 }
@@ -238,6 +305,7 @@ void deletePlotBlock(HostBlock *block)
 void clearPlotBlocks()
 {
     store().clear();
+    namesGiven().clear();
 }
 
 std::vector<HostBlock *> plotBlocks()
@@ -253,10 +321,16 @@ bool isPlotBlock(const HostBlock *block)
     return findBlock(block) != nullptr;
 }
 
-std::string plotFileName(const HostBlock *block)
+std::string plotFileBaseName(const HostBlock *block)
 {
     const PlotBlock *p = findBlock(block);
-    return p ? p->fileName : std::string();
+    return p ? p->baseName : std::string();
+}
+
+std::string plotFileName(const HostBlock *block)
+{
+    std::string base = plotFileBaseName(block);
+    return base.empty() ? base : base + ".svg";
 }
 
 bool repaintPlotWindow(HWND window)
@@ -328,7 +402,8 @@ void showNode(HostBlock *plot)
     if (!p)
         return;
     p->shown = true;
-    p->fileName = fileNameFor(*p);
+    if (p->baseName.empty())
+        p->baseName = baseNameFor(*p);
     writePlot(*p, true);
 }
 

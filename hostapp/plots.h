@@ -40,7 +40,12 @@ std::vector<HostBlock *> plotBlocks();
 /* True when the block is a live plot block. */
 bool isPlotBlock(const HostBlock *block);
 
-/* Name of the SVG file the block was last written to (empty: never shown). */
+/* The name, without extension, of the files a shown plot is written to ("Nyquist",
+** "Root-Locus-2"): from its title without the session counter, no blanks, unique in the
+** process, kept for the plot's life.  Empty for a plot never shown. */
+std::string plotFileBaseName(const HostBlock *block);
+
+/* Name of the SVG file of the block: plotFileBaseName + ".svg" (empty: never shown). */
 std::string plotFileName(const HostBlock *block);
 
 /* Rewrites the file of a shown plot whose window this is; false when the window is

@@ -7,10 +7,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <fstream>
 
 #include "hostapp/plot_bounds.h"
+#include "hostapp/svg_text.h"
 
 namespace hostapp {
 
@@ -28,28 +28,9 @@ const char *const PALETTE[] = {"#1f77b4", "#d62728", "#2ca02c", "#ff7f0e", "#946
                                "#8c564b", "#e377c2", "#17becf", "#7f7f7f", "#bcbd22"};
 constexpr int PALETTE_SIZE = sizeof PALETTE / sizeof PALETTE[0];
 
-std::string escapeXml(const std::string &text)
-{
-    std::string out;
-    for (char c : text) {
-        unsigned char u = (unsigned char)c;
-        switch (c) {
-        case '&': out += "&amp;"; break;
-        case '<': out += "&lt;"; break;
-        case '>': out += "&gt;"; break;
-        case '"': out += "&quot;"; break;
-        case '\'': out += "&apos;"; break;
-        default: out += (u < 0x20 || u >= 0x7F) ? '?' : c;    /* record texts are plain ASCII */
-        }
-    }
-    return out;
-}
-
 std::string number(double v, const char *format = "%.2f")
 {
-    char text[64];
-    std::snprintf(text, sizeof text, format, v);
-    return text;
+    return svgNumber(v, format);
 }
 
 /* One axis: the values shown from lo to hi over pixels from p0 to p1. */
@@ -122,8 +103,8 @@ std::string linearTickLabel(double v, double step)
     if (std::fabs(v) >= 1e6 || step < 1e-4)
         return number(v, "%g");
     int decimals = std::clamp((int)-std::floor(std::log10(step) + 1e-9), 0, 6);
-    char text[64];
-    std::snprintf(text, sizeof text, "%.*f", decimals, v);
+    std::string text;
+    appendSvgNumber(text, v, std::chars_format::fixed, decimals);
     return text;
 }
 
@@ -229,10 +210,16 @@ std::string curvePath(const std::vector<Pixel> &points, size_t *drawn, std::vect
         if (!clipSegment(x0, y0, x1, y1))
             continue;
         if (!(pen.valid() && pen.x == x0 && pen.y == y0)) {
-            d += (d.empty() ? "M" : " M") + number(x0) + "," + number(y0);
+            d += d.empty() ? "M" : " M";
+            appendSvgNumber(d, x0);
+            d += ',';
+            appendSvgNumber(d, y0);
             *drawn += inside(points[i - 1].x, points[i - 1].y) ? 1 : 0;
         }
-        d += " L" + number(x1) + "," + number(y1);
+        d += " L";
+        appendSvgNumber(d, x1);
+        d += ',';
+        appendSvgNumber(d, y1);
         *drawn += inside(p.x, p.y) ? 1 : 0;
         pen = {x1, y1};
     }

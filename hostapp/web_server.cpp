@@ -39,7 +39,7 @@ const char *const IN_USE_PAGE =
     "<body style=\"font-family: sans-serif; margin: 3em\"><h1>Praxa is in use</h1>"
     "<p id=\"in-use\">Another page holds this Praxa session. One page at a time can work on it, "
     "as there is one set of dialogs per Praxa process.</p>"
-    "<p>Go on in that page, or close it and reload this one after a few seconds; "
+    "<p>Go on in that page, or close it and reload this one 15 seconds later; "
     "to work on a second session, start another <code>praxa serve</code>.</p></body></html>";
 
 struct ServerState {

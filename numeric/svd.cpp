@@ -12,6 +12,7 @@
 
 /* Held work blocks: resized with grealloc on every call, never released. */
 static double *superdiagonal;           /* rv1 of svDecompose, n + 2 doubles, 1-based */
+static double *rowWork;                 /* row sums and a row's copy, m + n + 2 doubles */
 static double *solveValues;             /* singular values of singularValueDecomp */
 static Matrix *solveRightFactor;        /* V of singularValueDecomp */
 static double *backSubstituteWork;      /* svBackSubstitute, rows + 1 doubles, 1-based */
@@ -64,6 +65,9 @@ int svDecompose(Matrix *a, double *w, Matrix *v)
         }
         return 0;
     }
+    rowWork = resizeDoubles(rowWork, (uint64_t)m + (uint64_t)n + 2);
+    double *rowSums = rowWork;                  /* 1-based, m */
+    double *rowCopy = rowWork + m + 1;          /* 1-based, n */
     superdiagonal = resizeDoubles(superdiagonal, (uint64_t)n + 2);
     double *rv1 = superdiagonal;
     double g = 0.0, scale = 0.0, anorm = 0.0, s, f, h, c, x, y, z;
@@ -113,12 +117,21 @@ int svDecompose(Matrix *a, double *w, Matrix *v)
                 EL(a, i, l) = f - g;
                 for (int32_t k = l; k <= n; k++)
                     rv1[k] = EL(a, i, k) / h;
-                for (int32_t j = l; j <= m; j++) {
-                    s = 0.0;
-                    for (int32_t k = l; k <= n; k++)
-                        s += EL(a, j, k) * EL(a, i, k);
-                    for (int32_t k = l; k <= n; k++)
-                        EL(a, j, k) += s * rv1[k];
+                /* Rows l..m against row i, a column at a time: the same sums in the same
+                ** order as row by row, but through contiguous memory. */
+                for (int32_t j = l; j <= m; j++)
+                    rowSums[j] = 0.0;
+                for (int32_t k = l; k <= n; k++) {
+                    double aik = EL(a, i, k);
+                    double *column = &EL(a, 1, k);
+                    for (int32_t j = l; j <= m; j++)
+                        rowSums[j] += column[j - 1] * aik;
+                }
+                for (int32_t k = l; k <= n; k++) {
+                    double r = rv1[k];
+                    double *column = &EL(a, 1, k);
+                    for (int32_t j = l; j <= m; j++)
+                        column[j - 1] += rowSums[j] * r;
                 }
                 for (int32_t k = l; k <= n; k++)
                     EL(a, i, k) *= scale;
@@ -134,12 +147,16 @@ int svDecompose(Matrix *a, double *w, Matrix *v)
             if (g != 0.0) {
                 for (int32_t j = l; j <= n; j++)
                     EL(v, j, i) = (EL(a, i, j) / EL(a, i, l)) / g;
+                for (int32_t k = l; k <= n; k++)
+                    rowCopy[k] = EL(a, i, k);   /* row i, contiguous */
+                const double *vi = &EL(v, 1, i);
                 for (int32_t j = l; j <= n; j++) {
+                    double *vj = &EL(v, 1, j);
                     s = 0.0;
                     for (int32_t k = l; k <= n; k++)
-                        s += EL(a, i, k) * EL(v, k, j);
+                        s += rowCopy[k] * vj[k - 1];
                     for (int32_t k = l; k <= n; k++)
-                        EL(v, k, j) += s * EL(v, k, i);
+                        vj[k - 1] += s * vi[k - 1];
                 }
             }
             for (int32_t j = l; j <= n; j++)

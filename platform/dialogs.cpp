@@ -48,7 +48,10 @@ HWND buildDialog(const DialogTemplate &t, DLGPROC procedure)
     dialog.templateName = t.name;
     dialog.procedure = procedure;
     dialog.focusBefore = focusedWindow();
-    dialog.x = t.x, dialog.y = t.y, dialog.cx = t.cx, dialog.cy = t.cy;
+    dialog.x = t.x;
+    dialog.y = t.y;
+    dialog.cx = t.cx;
+    dialog.cy = t.cy;
     dialog.fontFace = t.fontFace;
     dialog.fontSize = t.fontSize;
     for (const ControlTemplate &c : t.controls) {
@@ -58,7 +61,10 @@ HWND buildDialog(const DialogTemplate &t, DLGPROC procedure)
         control.style = c.style;
         control.visible = (c.style & STYLE_VISIBLE) != 0;
         control.enabled = (c.style & STYLE_DISABLED) == 0;
-        control.x = c.x, control.y = c.y, control.cx = c.cx, control.cy = c.cy;
+        control.x = c.x;
+        control.y = c.y;
+        control.cx = c.cx;
+        control.cy = c.cy;
         dialog.controls.push_back(control.handle);
     }
     return dialog.handle;

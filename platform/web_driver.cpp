@@ -310,6 +310,13 @@ std::optional<nlohmann::json> waitForSessionInput()
 
 void refuseInput(const std::string &message) { session().message = message; }
 
+void withScriptedDriver(const std::function<void()> &work)
+{
+    installPersonDriver({});
+    work();
+    installPersonDriver({driveFromPage, answerFromPage});
+}
+
 PublishedState submitPageInput(const nlohmann::json &input, std::chrono::milliseconds timeout)
 {
     Mailbox &box = mailbox();

@@ -32,6 +32,11 @@ std::optional<nlohmann::json> waitForSessionInput();
 /* The answer to the input just taken: the next published state carries `message`. */
 void refuseInput(const std::string &message);
 
+/* Runs `work` with the scripted driver acting instead of the page (queued actions, then
+** default buttons): for the host's own runs of plug-in commands, which the person does
+** not see. */
+void withScriptedDriver(const std::function<void()> &work);
+
 /* ---- Server threads ---- */
 
 struct PublishedState {

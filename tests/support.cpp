@@ -73,27 +73,6 @@ Matrix *matrixFromRows(uint32_t rows, uint32_t cols, std::initializer_list<doubl
     return m;
 }
 
-platform::ResourceScript projectResourceScript()
-{
-    std::string source = readFile(std::string(PRAXA_SOURCE_DIR) + "/resources/praxa.rc");
-    std::string header = readFile(std::string(PRAXA_SOURCE_DIR) + "/resources/prxdlg.h");
-    return platform::parseResourceScript(
-        "praxa.rc", source, [&](const std::string &name) { return name == "prxdlg.h" ? &header : nullptr; });
-}
-
-const platform::DialogTemplate *findTemplate(const platform::ResourceScript &script, const std::string &name)
-{
-    for (const platform::DialogTemplate &d : script.dialogs)
-        if (d.name == name)
-            return &d;
-    return nullptr;
-}
-
-uint32_t styleSymbol(const char *name)
-{
-    return (uint32_t)platform::predefinedSymbol(name).value();
-}
-
 std::string readFile(const std::string &path)
 {
     std::ifstream in(path);

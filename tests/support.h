@@ -9,8 +9,6 @@
 #include <initializer_list>
 #include <string>
 
-#include "platform/resource_script.h"
-
 struct Matrix;
 
 namespace testing_support {
@@ -44,14 +42,6 @@ std::string examplePath(const std::string &name);
 
 /* A rows x cols matrix from its rows, as written on paper; freed by the caller (gfree). */
 Matrix *matrixFromRows(uint32_t rows, uint32_t cols, std::initializer_list<double> values);
-
-/* The project's dialog templates: resources/praxa.rc with its identifier header, parsed
-** as the build embeds them (a parse error is in .error). */
-platform::ResourceScript projectResourceScript();
-/* The template of that name in the script, or null. */
-const platform::DialogTemplate *findTemplate(const platform::ResourceScript &script, const std::string &name);
-/* The value of a predefined style symbol (WS_CAPTION, BS_PUSHBUTTON, ...). */
-uint32_t styleSymbol(const char *name);
 
 std::string readFile(const std::string &path);
 void writeFile(const std::string &path, const std::string &text);

@@ -246,8 +246,7 @@ function buildDialog(d, send, depth) {
       });
   });
   root.addEventListener("keydown", (event) => {
-    if (event.key === "Escape") send({ kind: "dialog", dialog: d.handle, action: "cancel" });
-    else if (event.key === "Enter" && event.target.tagName !== "BUTTON" && event.target.tagName !== "INPUT")
+    if (event.key === "Enter" && event.target.tagName !== "BUTTON" && event.target.tagName !== "INPUT")
       send({ kind: "dialog", dialog: d.handle, action: "enter" });
   });
   return { root, title, parts, units, state: d, focused: false };
@@ -288,17 +287,29 @@ function buildMessageBox(box, send) {
     buttons.append(button);
   }
   root.append(title, text, buttons);
-  root.addEventListener("keydown", (event) => {
-    if (event.key === "Escape" && box.buttons.some((b) => b.answer === 2)) send({ kind: "message", answer: 2 });
-  });
   root.style.left = "50%";
   root.style.top = "30%";
   root.style.transform = "translateX(-50%)";
   return root;
 }
 
+// Esc, wherever the focus is: the message box's Cancel (OK when it has only that), else
+// the innermost dialog's Esc.
+let escape = null;
+document.addEventListener("keydown", (event) => {
+  if (event.key === "Escape" && escape) {
+    event.preventDefault();
+    escape();
+  }
+});
+
 // Shows the dialogs and the message box of a published state in `layer`.
 export function renderModal(layer, state, send) {
+  const box = state.messageBox;
+  const top = state.dialogs.at(-1);
+  const escapeAnswer = box && [2, 1].find((answer) => box.buttons.some((b) => b.answer === answer));
+  escape = box ? (escapeAnswer ? () => send({ kind: "message", answer: escapeAnswer }) : null)
+    : top ? () => send({ kind: "dialog", dialog: top.handle, action: "cancel" }) : null;
   const open = new Set(state.dialogs.map((d) => d.handle));
   for (const [handle, entry] of built)
     if (!open.has(handle)) {
@@ -325,10 +336,10 @@ export function renderModal(layer, state, send) {
     layer.append(box);
     box.querySelector("button.default")?.focus();
   } else {
-    const top = built.get(state.dialogs.at(-1)?.handle);
-    if (top && !top.focused) {
-      top.focused = true;     // the first focus only: later the person moves it
-      focusControl(top);
+    const innermost = built.get(top?.handle);
+    if (innermost && !innermost.focused) {
+      innermost.focused = true;     // the first focus only: later the person moves it
+      focusControl(innermost);
     }
   }
   layer.hidden = state.dialogs.length === 0 && !state.messageBox;

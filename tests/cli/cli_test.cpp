@@ -98,13 +98,6 @@ TEST(CommandLine, SettingsThatCannotBeWrittenAreReportedAndTheOldFileStays)
     EXPECT_EQ(readFile("/proc/version"), before);
 }
 
-TEST(CommandLine, MissingPluginIsAClearError)
-{
-    RunResult run = runPraxa("--plugin /nonexistent/libpraxa.so about");
-    EXPECT_EQ(run.status, 2);
-    EXPECT_NE(run.err.find("praxa: cannot load plug-in /nonexistent/libpraxa.so"), std::string::npos) << run.err;
-}
-
 }
 
 namespace {

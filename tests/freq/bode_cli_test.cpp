@@ -65,15 +65,15 @@ TEST(BodeCommand, ServoMarginsAndPlotFiles)
 
     /* The dialog comes first, then the magnitude and the phase plot are shown. */
     size_t dialog = run.out.find("[dialog] Phase and Gain Margins\n");
-    size_t magnitude = run.out.find("[plot] Bode-Magnitude1.svg\n");
-    size_t phase = run.out.find("[plot] Bode-Phase1.svg\n");
+    size_t magnitude = run.out.find("[plot] Bode-Magnitude.svg\n");
+    size_t phase = run.out.find("[plot] Bode-Phase.svg\n");
     ASSERT_NE(dialog, std::string::npos) << run.out;
     EXPECT_LT(dialog, magnitude);
     EXPECT_LT(magnitude, phase);
     EXPECT_NE(phase, std::string::npos);
 
-    std::string magnitudeSvg = readFile(dir.file("Bode-Magnitude1.svg"));
-    std::string phaseSvg = readFile(dir.file("Bode-Phase1.svg"));
+    std::string magnitudeSvg = readFile(dir.file("Bode-Magnitude.svg"));
+    std::string phaseSvg = readFile(dir.file("Bode-Phase.svg"));
     ASSERT_FALSE(magnitudeSvg.empty());
     ASSERT_FALSE(phaseSvg.empty());
     EXPECT_NE(magnitudeSvg.find("<title>Bode-Magnitude1</title>"), std::string::npos);
@@ -96,13 +96,13 @@ TEST(BodeCommand, DecibelsAndARangeMessageThroughTheCommandLine)
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_NE(run.out.find("You are starting (OR) ending at a frequency of zero."), std::string::npos) << run.out;
     EXPECT_EQ(run.out.find("[dialog] Phase and Gain Margins"), std::string::npos);
-    EXPECT_FALSE(std::filesystem::exists(dir.file("Bode-Magnitude1.svg")));
+    EXPECT_FALSE(std::filesystem::exists(dir.file("Bode-Magnitude.svg")));
 
     writeFile(dir.file("tervan.ini"), "[tervan]\nmagUnits=215\n");
     run = runPraxa("--settings " + dir.file("tervan.ini") + " --out " + dir.path + " " +
                    examplePath("servo.json") + " bode");
     EXPECT_EQ(run.status, 0) << run.err;
-    std::string magnitudeSvg = readFile(dir.file("Bode-Magnitude1.svg"));
+    std::string magnitudeSvg = readFile(dir.file("Bode-Magnitude.svg"));
     EXPECT_NE(magnitudeSvg.find(">Magnitude (Decibels)</text>"), std::string::npos) << magnitudeSvg.substr(0, 400);
 }
 

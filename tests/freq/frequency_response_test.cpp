@@ -85,19 +85,6 @@ TEST_F(FrequencyResponse, OneStepOrNoStatesTitlesThePlotsAndComputesNothing)
     EXPECT_EQ(platform::transcriptText(), "");
 }
 
-TEST_F(FrequencyResponse, NamedTracesKeepTheirNames)
-{
-    phasePlot = makePlotNode(0, 0);
-    magnitudePlot = makePlotNode(20, 20);
-    std::strcpy(plotRecordOf(phasePlot)->traces[0].label, "angle");
-    std::strcpy(plotRecordOf(magnitudePlot)->traces[0].label, "gain");
-    currentXfer.gain = 1.0;
-    Complex pole[2] = {{-1, 0}, {0, 0}};
-    frequencyResponse(phasePlot, magnitudePlot, &frequencyRange, nullptr, pole, 0, 1, 1, 0, 0.0);
-    EXPECT_STREQ(plotRecordOf(phasePlot)->traces[0].label, "angle");
-    EXPECT_STREQ(plotRecordOf(magnitudePlot)->traces[0].label, "gain");
-}
-
 TEST_F(FrequencyResponse, NegativeEndsAreReportedBeforeZeroEnds)
 {
     frequencyRange = {50, -1.0, 0.0};
@@ -173,31 +160,6 @@ TEST_F(FrequencyResponse, NegativeGainShiftsThePhaseByHalfATurn)
     EXPECT_NEAR(phases()[0] - p[0] * PI / 180.0, PI, 1e-12);
 }
 
-TEST_F(FrequencyResponse, PointsOnPolesTakeTheirNeighboursMagnitude)
-{
-    /* An integrator with start > 0: no point on it. */
-    bode(1.0, {}, {{0, 0}});
-    for (int k = 1; k <= 50; k++)
-        EXPECT_NEAR(magnitudes()[k - 1], 1.0 / gridPoint(k, 50, 0.1, 100.0), 1e-12 / gridPoint(k, 50, 0.1, 100.0));
-
-    /* Poles at +-10j on the grid 1, 3.16, 10, 31.6, 100: point 3 lies on one of them. */
-    frequencyRange = {5, 1.0, 100.0};
-    bode(1.0, {}, {{0, 10}, {0, -10}, {-1, 0}});
-    std::vector<double> m = magnitudes();
-    double w2 = gridPoint(2, 5, 1.0, 100.0);
-    EXPECT_NEAR(m[1], 1.0 / (std::fabs(100 - w2 * w2) * std::sqrt(1 + w2 * w2)), 1e-15);
-    EXPECT_EQ(m[2], m[1]);
-    EXPECT_NEAR(m[3], 1.0 / (std::fabs(100 - 1000.0) * std::sqrt(1001.0)), 1e-15);
-
-    /* On the first point: it takes the second point's magnitude. */
-    bode(1.0, {}, {{0, 1}, {0, -1}});
-    m = magnitudes();
-    EXPECT_NEAR(m[1], 1.0 / (w2 * w2 - 1), 1e-15);
-    EXPECT_EQ(m[0], m[1]);
-    for (double v : m)
-        EXPECT_GT(v, 0.0);
-}
-
 TEST_F(FrequencyResponse, SampledResponseRepeatsWithPeriodTwoPiOverT)
 {
     /* G(z) = 0.5 (z + 0.2) / (z - 0.5) with T = 0.1 s: period 2 pi / T = 62.83 rad/s.
@@ -237,20 +199,6 @@ TEST_F(FrequencyResponse, WithoutAPathThroughTheStatesTheResponseIsTheFeedThroug
     }
 }
 
-TEST_F(FrequencyResponse, ModelFactorsComeFromItsZerosPolesAndGain)
-{
-    /* x1' = x2, x2' = -2 x1 - 3 x2 + u, y = 4 x1 + x2: (s + 4) / ((s + 1)(s + 2)). */
-    setModel(2, {0, 1, -2, -3}, {0, 1}, {4, 1}, 0.0);
-    bodeOfModel(2);
-    std::vector<double> m = magnitudes(), p = phases();
-    for (int k : {1, 20, 50}) {
-        double w = gridPoint(k, 50, 0.1, 100.0);
-        SCOPED_TRACE(k);
-        EXPECT_NEAR(m[k - 1], std::sqrt((16 + w * w) / ((1 + w * w) * (4 + w * w))), 1e-9);
-        EXPECT_NEAR(p[k - 1], (std::atan(w / 4) - std::atan(w) - std::atan(w / 2)) * 180 / PI, 1e-7);
-    }
-}
-
 /* Through the menu commands on the servo example (reuse off). */
 class FrequencyCommands : public FreqTest {
 protected:
@@ -262,21 +210,6 @@ protected:
         platform::clearTranscript();
     }
 };
-
-TEST_F(FrequencyCommands, BodePairsAreNumberedAndANyquistRunInBetweenDoesNotAdvance)
-{
-    load("servo.json");
-    ASSERT_EQ(praxaCmd(242), 1);
-    EXPECT_STREQ(plotRecordOf(bodePhasePlot)->title, "Bode-Phase1");
-    EXPECT_STREQ(plotRecordOf(bodeMagnitudePlot)->title, "Bode-Magnitude1");
-    ASSERT_EQ(praxaCmd(250), 1);
-    PlotRecord *nyquist = plotRecordOf(nyquistPlot);
-    EXPECT_STREQ(nyquist->title, "Nyquist1");
-    ASSERT_EQ(praxaCmd(242), 1);
-    EXPECT_STREQ(plotRecordOf(bodePhasePlot)->title, "Bode-Phase2");
-    EXPECT_STREQ(plotRecordOf(bodeMagnitudePlot)->title, "Bode-Magnitude2");
-    EXPECT_EQ(marginDialogCount(), 2) << "a Nyquist run shows no margins";
-}
 
 TEST_F(FrequencyCommands, NyquistPlotIsPreparedAndGetsItsFrequencies)
 {

@@ -191,17 +191,8 @@ TEST_F(Margins, DialogShowsFourDisabledFieldsAndBothButtonsCloseIt)
     EXPECT_EQ(platform::scriptErrorCount(), 1) << "a disabled edit cannot be typed into";
     EXPECT_NE(text.find("[end] Phase and Gain Margins: 2\n"), std::string::npos) << text;
     /* Cancel closes it like OK: the plots are finished afterwards all the same. */
-    EXPECT_LT(text.find("[end] Phase and Gain Margins"), text.find("Bode-Magnitude1.svg"));
-    EXPECT_LT(text.find("Bode-Magnitude1.svg"), text.find("Bode-Phase1.svg"));
-}
-
-TEST_F(Margins, ResultsAreOverwrittenByEveryRun)
-{
-    bode(2.0, {}, {{-1, 0}, {-1, 0}, {-1, 0}});
-    bode(10.0, {}, {{-1, 0}});
-    EXPECT_EQ(marginDialogCount(), 2);
-    EXPECT_EQ(marginField(IDC_MARGIN_GAIN, 1), "1e+006");
-    EXPECT_EQ(marginField(IDC_MARGIN_GAIN_CROSSOVER, 1), "9.10298");
+    EXPECT_LT(text.find("[end] Phase and Gain Margins"), text.find("Bode-Magnitude.svg"));
+    EXPECT_LT(text.find("Bode-Magnitude.svg"), text.find("Bode-Phase.svg"));
 }
 
 }

@@ -65,18 +65,6 @@ TEST(EvalPoleZero, AngleIsThePlainSumOfTheFactorAngles)
     EXPECT_DOUBLE_EQ(v.denominatorMagnitude, std::pow(101.0, 1.5));
 }
 
-TEST(EvalPoleZero, NegativeGainTurnsTheAngleByPiOnly)
-{
-    std::vector<Complex> zeros = {{-2, 0}}, poles = {{-1, 1}, {-1, -1}};
-    PoleZeroValue plus = evalPoleZero({0, 3}, zeros.data(), 1, poles.data(), 2, 4.0);
-    PoleZeroValue minus = evalPoleZero({0, 3}, zeros.data(), 1, poles.data(), 2, -4.0);
-    EXPECT_EQ(minus.magnitude, plus.magnitude);
-    EXPECT_EQ(minus.angle, plus.angle + PI);
-    PoleZeroValue zero = evalPoleZero({0, 3}, zeros.data(), 1, poles.data(), 2, 0.0);
-    EXPECT_EQ(zero.magnitude, 0.0);
-    EXPECT_EQ(zero.angle, plus.angle);
-}
-
 TEST(EvalPoleZero, PointsOnRootsAndEmptyLists)
 {
     std::vector<Complex> zeros = {{0, 2}}, poles = {{0, 5}, {-1, 0}};

@@ -140,47 +140,4 @@ TEST_F(LinearizeDialog, FailedLinearizationStillOpensTheDialog)
     EXPECT_NE(shown.find("System Linearization", message), std::string::npos) << shown;
 }
 
-TEST(LinearizeTemplate, TitleSizeFontControlsAndStyles)
-{
-    platform::ResourceScript script = testing_support::projectResourceScript();
-    ASSERT_EQ(script.error, "");
-    const platform::DialogTemplate *dialog = testing_support::findTemplate(script, "LINEARIZE");
-    ASSERT_NE(dialog, nullptr);
-    EXPECT_EQ(dialog->caption, "System Linearization");
-    EXPECT_EQ((std::vector<int>{dialog->x, dialog->y, dialog->cx, dialog->cy}), (std::vector<int>{37, 18, 159, 120}));
-    EXPECT_EQ(dialog->fontFace, "Microsoft Sans Serif");
-    EXPECT_EQ(dialog->fontSize, 10);
-
-    auto symbol = testing_support::styleSymbol;
-    struct Expected {
-        int id;
-        const char *className;
-        const char *text;
-        DWORD type;             /* low four style bits of a button; 0 for the others */
-    };
-    const Expected expected[] = {
-        {147, "Static", "Result File:", 0},
-        {101, "Edit", "", 0},
-        {234, "Button", "Select Input/Output Points", symbol("BS_PUSHBUTTON")},
-        {-1, "Button", "Output Selection", symbol("BS_GROUPBOX")},
-        {207, "Button", "Linearize to .m File", symbol("BS_RADIOBUTTON")},
-        {208, "Button", "Linearize to Screen Display", symbol("BS_RADIOBUTTON")},
-        {1, "Button", "OK", symbol("BS_DEFPUSHBUTTON")},
-        {2, "Button", "Cancel", symbol("BS_PUSHBUTTON")},
-        {9, "Button", "Help", symbol("BS_PUSHBUTTON")},
-    };
-    ASSERT_EQ(dialog->controls.size(), std::size(expected));
-    for (size_t i = 0; i < std::size(expected); ++i) {
-        const platform::ControlTemplate &control = dialog->controls[i];
-        SCOPED_TRACE(expected[i].text);
-        EXPECT_EQ(control.id, expected[i].id);
-        EXPECT_EQ(control.className, expected[i].className);
-        EXPECT_EQ(control.text, expected[i].text);
-        if (control.className == std::string("Button")) {
-            EXPECT_EQ(control.style & 0xF, expected[i].type);
-        }
-    }
-    EXPECT_EQ(dialog->controls[1].style & symbol("ES_AUTOHSCROLL"), symbol("ES_AUTOHSCROLL"));
-}
-
 }

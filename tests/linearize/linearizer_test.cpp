@@ -37,19 +37,6 @@ TEST_F(Linearizer, ServoGivesTheHandDerivedModel)
     EXPECT_TRUE(messages().empty()) << platform::transcriptText();
 }
 
-/* PI (100 s + 200)/s realized as p' = e, v = 200 p + 100 e, then the motor:
-**   i' = -2 i - 0.02 w + 2 v;  w' = i - 10 w;  y = w. */
-TEST_F(Linearizer, DcMotorWithPiController)
-{
-    loadExample("dc_motor_pi.json");
-    double period = -1;
-    ASSERT_EQ(linearize(&period), 1);
-    expectMatrix(stateSpaceModel.A, 3, 3, {0, 0, 0, 400, -2, -0.02, 0, 1, -10}, 1e-7);
-    expectMatrix(stateSpaceModel.B, 3, 1, {1, 200, 0}, 1e-9);
-    expectMatrix(stateSpaceModel.C, 1, 3, {0, 0, 1});
-    expectMatrix(stateSpaceModel.D, 1, 1, {0});
-}
-
 /* theta'' = u - 0.5 theta' - 9.81 sin(theta): A = [[0, 1], [-+9.81, -0.5]] at theta = 0 / pi. */
 TEST_F(Linearizer, PendulumHangingAndInverted)
 {
@@ -169,37 +156,6 @@ TEST_F(Linearizer, WithoutReferencePointsTheFirstVisitedOnesAreTakenAndHighlight
     EXPECT_EQ(inputRefList.count, 1u);
 }
 
-TEST_F(Linearizer, StaleReferenceIsDroppedForTheVisitedOne)
-{
-    loadExample("servo.json");
-    click("err.2");             /* shows motor's signal: an output point while motor is selected */
-    ASSERT_EQ(outputRefList.items[0], point("err.2"));
-    std::string error;
-    ASSERT_TRUE(hostapp::selectBlocks({"ctrl", "amp"}, error)) << error;
-
-    double period = -1;
-    ASSERT_EQ(linearize(&period), 1);
-    ASSERT_EQ(outputRefList.count, 1u);
-    EXPECT_EQ(outputRefList.items[0], point("amp.out"));
-    EXPECT_FALSE(highlighted("err.2"));
-    EXPECT_TRUE(highlighted("amp.out"));
-    /* amp' = -10 amp + 2 u, y = 10 amp. */
-    expectMatrix(stateSpaceModel.A, 1, 1, {-10});
-    expectMatrix(stateSpaceModel.B, 1, 1, {2});
-    expectMatrix(stateSpaceModel.C, 1, 1, {10});
-}
-
-TEST_F(Linearizer, HostRefusalEndsQuietly)
-{
-    loadExample("servo.json");
-    hostapp::host().internalLinearizeAnswer = 0;
-    double period = -7;
-    EXPECT_EQ(linearize(&period), 0);
-    EXPECT_EQ(period, -7);
-    EXPECT_TRUE(messages().empty());
-    EXPECT_EQ(hostapp::simulationStepRequests(), 0);
-}
-
 TEST_F(Linearizer, NoBlocksWithStateEvenWithBothReferences)
 {
     loadWithReferences(R"({"blocks": [{"id": "src", "type": "constant", "value": 1},
@@ -213,15 +169,6 @@ TEST_F(Linearizer, NoBlocksWithStateEvenWithBothReferences)
     EXPECT_EQ(messages(), std::vector<std::string>{"[Tervan] No blocks with state in selection"});
 }
 
-TEST_F(Linearizer, NoOutputReferenceWhenNothingLeavesTheSelection)
-{
-    loadWithReferences(R"({"blocks": [{"id": "k", "type": "gain", "gain": -1}, {"id": "x", "type": "integrator"}],
-        "wires": [["x", "k"], ["k", "x"]]})");
-    double period = 0;
-    EXPECT_EQ(linearize(&period), 0);
-    EXPECT_EQ(messages(), std::vector<std::string>{"[Tervan] No output reference block."});
-}
-
 TEST_F(Linearizer, NoInputReferenceWhenTheSourceIsSelected)
 {
     loadWithReferences(R"({"blocks": [{"id": "src", "type": "step", "value": 1}, {"id": "x", "type": "integrator"},
@@ -230,24 +177,6 @@ TEST_F(Linearizer, NoInputReferenceWhenTheSourceIsSelected)
     EXPECT_EQ(linearize(&period), 0);
     EXPECT_EQ(messages(), std::vector<std::string>{"[Tervan] No input reference block."});
     EXPECT_TRUE(highlighted("x.out"));
-}
-
-TEST_F(Linearizer, IntegerSignalsCannotBeReferences)
-{
-    loadWithReferences(R"({"blocks": [{"id": "src", "type": "constant", "value": 1}, {"id": "x", "type": "integrator"},
-        {"id": "q", "type": "gain", "gain": 1, "dataType": "int32"}],
-        "wires": [["src", "x"], ["x", "q"]], "selection": ["x", "q"], "input": "x.in", "output": "q.out"})");
-    double period = 0;
-    EXPECT_EQ(linearize(&period), 0);
-    EXPECT_EQ(messages(), (std::vector<std::string>{"[Tervan] Cannot linearize WRT integer function",
-                                                    "[Tervan] No output reference block."}));
-
-    loadWithReferences(R"({"blocks": [{"id": "src", "type": "constant", "value": 1, "dataType": "uint8"},
-        {"id": "x", "type": "integrator"}, {"id": "scope", "type": "plot"}],
-        "wires": [["src", "x"], ["x", "scope"]], "selection": ["x"], "input": "x.in", "output": "x.out"})");
-    EXPECT_EQ(linearize(&period), 0);
-    EXPECT_EQ(messages(), (std::vector<std::string>{"[Tervan] Cannot linearize WRT integer function",
-                                                    "[Tervan] No input reference block."}));
 }
 
 TEST_F(Linearizer, MatrixInputIsLinearizedOnItsFirstElement)

@@ -90,18 +90,6 @@ TEST_F(RefPoints, APointOfBothKindsBecomesTheOutputAndEmptiesBothLists)
     EXPECT_FALSE(highlighted("motor.out"));
 }
 
-TEST_F(RefPoints, ResetForgetsBothPoints)
-{
-    load(SERVO_WITH_ERROR_PLOT);
-    click("motor.out");
-    click("ctrl.in");
-    linResetRefPoints();
-    EXPECT_EQ(outputRefList.count, 0u);
-    EXPECT_EQ(inputRefList.count, 0u);
-    EXPECT_FALSE(highlighted("motor.out"));
-    EXPECT_FALSE(highlighted("ctrl.in"));
-}
-
 TEST_F(RefPoints, ClickingMarksTheCandidatesAndLinearizingClearsTheMarks)
 {
     load(SERVO_WITH_ERROR_PLOT);
@@ -115,32 +103,6 @@ TEST_F(RefPoints, ClickingMarksTheCandidatesAndLinearizingClearsTheMarks)
     ASSERT_EQ(linearize(&period), 1);
     for (const char *name : {"ctrl", "motor"})
         EXPECT_FALSE(hostapp::diagramBlock(name)->flags & BLOCK_FLAG_CANDIDATE_MARK) << name;
-}
-
-TEST_F(RefPoints, StateBlocksAreOrderedByKeysThatDifferByOneOrMore)
-{
-    /* Integrators a, b, c with keys 3.0, 1.5, 1.2, fed with 1, 2 and 3 times the input. */
-    load(R"({"blocks": [{"id": "src", "type": "constant", "value": 0},
-        {"id": "pre", "type": "compound", "blocks": [
-            {"id": "ga", "type": "gain", "gain": 1}, {"id": "a", "type": "integrator", "stateOrder": 3.0},
-            {"id": "gb", "type": "gain", "gain": 2}, {"id": "b", "type": "integrator", "stateOrder": 1.5},
-            {"id": "gc", "type": "gain", "gain": 3}, {"id": "c", "type": "integrator", "stateOrder": 1.2},
-            {"id": "total", "type": "sum", "signs": "+++"}],
-          "wires": [["ga", "a"], ["gb", "b"], ["gc", "c"], ["a", "total.1"], ["b", "total.2"], ["c", "total.3"]],
-          "inputs": [["ga", "gb", "gc"]], "outputs": ["total"]},
-        {"id": "scope", "type": "plot"}],
-        "wires": [["src", "pre"], ["pre", "scope"]], "selection": ["pre"]})");
-    click("pre.out");
-    ASSERT_EQ(stateBlockList.count, 3u);
-    EXPECT_EQ(stateBlockList.items[0], hostapp::diagramBlock("pre/b"));
-    EXPECT_EQ(stateBlockList.items[1], hostapp::diagramBlock("pre/c"));
-    EXPECT_EQ(stateBlockList.items[2], hostapp::diagramBlock("pre/a"));
-
-    double period = 0;
-    ASSERT_EQ(linearize(&period), 1);
-    EXPECT_EQ(inputRefList.items[0], point("pre.in"));
-    expectMatrix(stateSpaceModel.B, 3, 1, {2, 3, 1});
-    expectMatrix(stateSpaceModel.C, 1, 3, {1, 1, 1});
 }
 
 TEST_F(RefPoints, ASampledBlockAfterAContinuousFirstBlockWarnsAndKeepsPeriodZero)
@@ -159,33 +121,6 @@ TEST_F(RefPoints, ASampledBlockAfterAContinuousFirstBlockWarnsAndKeepsPeriodZero
     expectMatrix(stateSpaceModel.B, 1, 1, {2});
 }
 
-TEST_F(RefPoints, SampledBlocksOfOnePeriodRecordItWithoutWarning)
-{
-    load(R"({"samplePeriod": 0.1, "blocks": [{"id": "src", "type": "constant", "value": 1},
-        {"id": "z1", "type": "discreteTransferFunction", "num": [1], "den": [1, -0.5]},
-        {"id": "k", "type": "gain", "gain": 2},
-        {"id": "z2", "type": "discreteStateSpace", "a": [[0.25]], "b": [1], "c": [1]},
-        {"id": "scope", "type": "plot"}],
-        "wires": [["src", "z1"], ["z1", "k"], ["k", "z2"], ["z2", "scope"]], "selection": ["z1", "k", "z2"]})");
-    double period = -1;
-    ASSERT_EQ(linearize(&period), 1);
-    EXPECT_EQ(period, 0.1);
-    EXPECT_TRUE(messages().empty()) << platform::transcriptText();
-    expectMatrix(stateSpaceModel.A, 2, 2, {0.5, 0, 2, 0.25});
-
-    /* Another period later in the selection is reported. */
-    load(R"({"blocks": [{"id": "src", "type": "constant", "value": 1},
-        {"id": "z1", "type": "discreteTransferFunction", "num": [1], "den": [1, -0.5], "samplePeriod": 0.1},
-        {"id": "z2", "type": "discreteTransferFunction", "num": [1], "den": [1, -0.5], "samplePeriod": 0.2},
-        {"id": "scope", "type": "plot"}],
-        "wires": [["src", "z1"], ["z1", "z2"], ["z2", "scope"]], "selection": ["z1", "z2"]})");
-    platform::clearTranscript();
-    ASSERT_EQ(linearize(&period), 1);
-    EXPECT_EQ(period, 0.1);
-    EXPECT_EQ(messages(), std::vector<std::string>{
-                              "[Tervan Debug] Attempt to analyze discrete subsystem with differing sampling rates"});
-}
-
 TEST_F(RefPoints, UnitDelayIsReportedAndLinearizingGoesOn)
 {
     loadExample("unit_delay.json");
@@ -198,26 +133,6 @@ TEST_F(RefPoints, UnitDelayIsReportedAndLinearizingGoesOn)
     expectMatrix(stateSpaceModel.B, 1, 1, {1});
     expectMatrix(stateSpaceModel.C, 1, 1, {0});
     expectMatrix(stateSpaceModel.D, 1, 1, {0});
-}
-
-TEST_F(RefPoints, MixedSelectionKeepsTheContinuousStatesAndHoldsTheSampledOnes)
-{
-    /* Visited first, the sampled block gives the period; the host holds its state (M = 1). */
-    load(R"({"blocks": [{"id": "src", "type": "constant", "value": 1},
-        {"id": "z", "type": "discreteTransferFunction", "num": [1], "den": [1, -0.5], "samplePeriod": 0.1},
-        {"id": "x", "type": "transferFunction", "num": [4], "den": [1, 3]},
-        {"id": "scope", "type": "plot"}],
-        "wires": [["src", "z"], ["src", "x"], ["x", "scope"]], "selection": ["z", "x"],
-        "input": "src.out", "output": "x.out"})");
-    std::string error;
-    ASSERT_TRUE(hostapp::applyDiagramReferencePoints(error)) << error;
-    double period = -1;
-    ASSERT_EQ(linearize(&period), 1);
-    EXPECT_EQ(period, 0.1);
-    EXPECT_EQ(derivEntryList.count, 2u);
-    expectMatrix(stateSpaceModel.A, 1, 1, {-3});
-    expectMatrix(stateSpaceModel.B, 1, 1, {1});
-    expectMatrix(stateSpaceModel.C, 1, 1, {4});
 }
 
 }

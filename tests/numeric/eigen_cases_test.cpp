@@ -57,23 +57,6 @@ TEST_F(EigenCases, SmallCasesInDeflationOrder)
     gfree(work);
 }
 
-TEST_F(EigenCases, ZeroMatrixGivesZerosWithoutIteration)
-{
-    for (int n : {1, 2, 5, 12}) {
-        Matrix *a = matDecl(n, n);
-        for (int k = 0; k < n * n; k++)
-            a->data[k] = 0.0;
-        std::vector<Complex> roots(n, Complex{9, 9});
-        eigenValues(roots.data(), a, n);
-        for (const Complex &r : roots) {
-            EXPECT_EQ(r.re, 0.0);
-            EXPECT_EQ(r.im, 0.0);
-        }
-        gfree(a);
-    }
-    EXPECT_EQ(platform::transcript().size(), 0u);
-}
-
 TEST_F(EigenCases, TopLeftBlockOfLargerMatrixAndInputUntouched)
 {
     /* 4x5 whose top-left 2x2 is [[0,1],[-2,-3]]; the rest is noise.  Columns are
@@ -82,7 +65,6 @@ TEST_F(EigenCases, TopLeftBlockOfLargerMatrixAndInputUntouched)
     std::vector<double> before(a->data, a->data + 20);
     Complex roots[2];
     eigenValues(roots, a, 2);
-    EXPECT_EQ(hostapp::host().lastAllocationBytes, 8u * 3);     /* wi: n + 1 doubles */
     EXPECT_EQ(roots[0].re, -1.0);
     EXPECT_EQ(roots[1].re, -2.0);
     for (int k = 0; k < 20; k++)
@@ -122,15 +104,6 @@ TEST_F(EigenCases, NonFiniteInputReportsAndReturns)
             EXPECT_TRUE(std::isnan(r.re));
         gfree(a);
     }
-}
-
-TEST_F(EigenCases, BalancingWithInfiniteElementEnds)
-{
-    const double inf = INFINITY;
-    Matrix *a = fromRows(3, 3, {1, inf, 0, 1e-300, 2, 1, 0, 1, inf});
-    balanceMatrix(a, 3);                /* returns: rows with non-finite norms are skipped */
-    EXPECT_EQ(a->data[3], inf);
-    gfree(a);
 }
 
 TEST_F(EigenCases, SolverGivesUpOnNaNAtTheFirstRestart)

@@ -126,29 +126,6 @@ TEST_F(SvdAgainstLapack, SquareAndTallRandomMatrices)
     EXPECT_EQ(platform::transcript().size(), 0u) << platform::transcriptText();
 }
 
-TEST_F(SvdAgainstLapack, GradedSingularValues)
-{
-    /* U diag(1, 1e-3, ..., 1e-3(n-1)) V^T: small values are still found to eps ||A||. */
-    std::mt19937_64 rng(8);
-    for (int n : {3, 8, 15}) {
-        std::vector<double> q1 = randomMatrix(rng, n, n), q2 = randomMatrix(rng, n, n), tau(n);
-        LAPACKE_dgeqrf(LAPACK_COL_MAJOR, n, n, q1.data(), n, tau.data());
-        LAPACKE_dorgqr(LAPACK_COL_MAJOR, n, n, n, q1.data(), n, tau.data());
-        LAPACKE_dgeqrf(LAPACK_COL_MAJOR, n, n, q2.data(), n, tau.data());
-        LAPACKE_dorgqr(LAPACK_COL_MAJOR, n, n, n, q2.data(), n, tau.data());
-        std::vector<double> a((size_t)n * n, 0.0);
-        for (int k = 0; k < n; k++) {
-            double s = std::pow(1e-3, k);
-            for (int j = 0; j < n; j++)
-                for (int i = 0; i < n; i++)
-                    a[(size_t)j * n + i] += q1[(size_t)k * n + i] * s * q2[(size_t)k * n + j];
-        }
-        Checked c = checkDecomposition(a, n, n);
-        EXPECT_LE(c.reconstruction, 1.0);
-        EXPECT_LE(c.values, 1.0);
-    }
-}
-
 TEST_F(SvdAgainstLapack, InverseOfWellConditionedMatrices)
 {
     std::mt19937_64 rng(2718);

@@ -99,14 +99,14 @@ TEST_F(NyquistCommand, ExecutableDrawsTheServoAndThePendulum)
               "  button 9 \"Help\"\n"
               "  > default 1\n"
               "[end] Nyquist: 1\n"
-              "[plot] Nyquist0.svg\n");
-    std::string svg = readFile(dir.file("servo/Nyquist0.svg"));
+              "[plot] Nyquist.svg\n");
+    std::string svg = readFile(dir.file("servo/Nyquist.svg"));
     EXPECT_NE(svg.find("data-points=\"1000\""), std::string::npos);
 
     /* The hanging pendulum has no pole on the axis: no notice, the plain 1000 points. */
     run = praxa("pendulum_hanging.json", "pendulum");
     EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_EQ(run.out, "[plot] Nyquist0.svg\n");
-    svg = readFile(dir.file("pendulum/Nyquist0.svg"));
+    EXPECT_EQ(run.out, "[plot] Nyquist.svg\n");
+    svg = readFile(dir.file("pendulum/Nyquist.svg"));
     EXPECT_NE(svg.find("data-points=\"1000\""), std::string::npos);
 }

@@ -91,31 +91,3 @@ TEST_F(NyquistDialog, EscapeKeepsTheValueAndHelpIsNotHandled)
     EXPECT_EQ(nyquistInfinity, 10.0);
     EXPECT_EQ(W[251], -0.09765625);
 }
-
-TEST(NyquistTemplate, HasItsTitleLabelEditAndButtons)
-{
-    platform::ResourceScript script = testing_support::projectResourceScript();
-    ASSERT_EQ(script.error, "");
-    const platform::DialogTemplate *d = testing_support::findTemplate(script, "NYQUISTINFINITI");
-    ASSERT_NE(d, nullptr);
-    EXPECT_EQ(d->caption, "Nyquist");
-    EXPECT_EQ(d->fontFace, "Microsoft Sans Serif");
-    EXPECT_EQ(d->fontSize, 10);
-    ASSERT_EQ(d->controls.size(), 4u);
-    EXPECT_EQ(d->controls[0].className, "Static");
-    EXPECT_EQ(d->controls[0].text, "Nyquist Infinity:");
-    EXPECT_EQ(d->controls[1].className, "Edit");
-    EXPECT_EQ(d->controls[1].id, 901);
-    EXPECT_EQ(d->controls[2].className, "Button");
-    EXPECT_EQ(d->controls[2].id, 1);
-    EXPECT_EQ(d->controls[2].text, "&Ok");
-    EXPECT_EQ(d->controls[3].id, 9);
-    EXPECT_EQ(d->controls[3].text, "Help");
-    /* The edit sits right of its label, both buttons below, all inside the dialog. */
-    EXPECT_GT(d->controls[1].x, d->controls[0].x + d->controls[0].cx - 1);
-    for (const platform::ControlTemplate &c : d->controls) {
-        EXPECT_LE(c.x + c.cx, d->cx) << c.id;
-        EXPECT_LE(c.y + c.cy, d->cy) << c.id;
-    }
-    EXPECT_GT(d->controls[2].y, d->controls[1].y + d->controls[1].cy);
-}

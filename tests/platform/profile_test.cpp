@@ -82,20 +82,6 @@ TEST_F(Profile, ReadsValuesWithoutRegardToCaseTrimmedAndUnquoted)
     EXPECT_EQ(get("tervan", "phaseUnits", "", 1), "");
 }
 
-TEST_F(Profile, ListsSectionsAndKeysWithDoubleNul)
-{
-    write(settings);
-    char buffer[64];
-    DWORD n = GetPrivateProfileStringA(nullptr, nullptr, "", buffer, sizeof buffer, path.c_str());
-    EXPECT_EQ(std::string(buffer, n + 1), std::string("Display\0tervan\0Other\0", 22));
-    EXPECT_EQ(buffer[n], '\0');
-    n = GetPrivateProfileStringA("tervan", nullptr, "", buffer, sizeof buffer, path.c_str());
-    EXPECT_EQ(std::string(buffer, n), std::string("phaseUnits\0freqStart\0title\0", 27));
-    n = GetPrivateProfileStringA("tervan", nullptr, "", buffer, 8, path.c_str());
-    EXPECT_EQ(n, 6u);
-    EXPECT_EQ(std::string(buffer, 8), std::string("phaseU\0\0", 8));
-}
-
 TEST_F(Profile, MissingOrUnreadableFileReadsAsEmpty)
 {
     EXPECT_EQ(get("tervan", "freqStart", "0.1"), "0.1");
@@ -173,13 +159,6 @@ TEST_F(Profile, WriteThatCannotBeDoneLeavesTheFileAndSaysWhy)
                   "[error] Cannot write settings file " + folder + ": the file cannot be read: Is a directory",
                   "[error] Cannot write settings file " + path + ": a line break in the section, key or value"}));
     platform::resetWindowing();
-    EXPECT_EQ(platform::settingsWriteFailures(), 0);
-}
-
-TEST_F(Profile, AllNullWriteOnlyFlushes)
-{
-    EXPECT_FALSE(WritePrivateProfileStringA(nullptr, nullptr, nullptr, path.c_str()));
-    EXPECT_FALSE(fs::exists(path));
     EXPECT_EQ(platform::settingsWriteFailures(), 0);
 }
 

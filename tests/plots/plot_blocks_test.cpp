@@ -47,26 +47,6 @@ TEST_F(PlotTest, DeletingFreesWhatHangsOnThePlot)
     EXPECT_TRUE(hostapp::plotBlocks().empty());
 }
 
-TEST_F(PlotTest, TraceListsAreReservedForThePointCount)
-{
-    HostBlock *block = frequencyPlot("Bode-Phase", {1, 2, 3, 4, 5});
-    PlotRecord *plot = plotRecordOf(block);
-    EXPECT_GE(plot->traces[0].points.capacity, 5u);
-    /* A reserved list starts empty; its unwritten points are not numbers. */
-    preallocDList(&plot->traces[1].points, &plot->pointIndex);
-    EXPECT_EQ(plot->traces[1].points.count, 0u);
-    EXPECT_TRUE(std::isnan(((double *)plot->traces[1].points.items)[4]));
-    /* A negative step count stored as the point count reserves nothing. */
-    plot->pointCount = (uint32_t)-5;
-    preallocDList(&plot->traces[2].points, &plot->pointIndex);
-    EXPECT_EQ(plot->traces[2].points.capacity, 0u);
-    EXPECT_EQ(plot->traces[2].points.items, nullptr);
-    /* A list that is not a plot's is left alone. */
-    HostList foreign{};
-    preallocDList(&foreign, &plot->pointIndex);
-    EXPECT_EQ(foreign.items, nullptr);
-}
-
 TEST_F(PlotTest, PointBufferRequests)
 {
     HostBlock *block = makeRootLocusPlot(2);

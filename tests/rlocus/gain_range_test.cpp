@@ -42,29 +42,6 @@ TEST_F(GainRange, RootsOfACubic)
     gfree(W);
 }
 
-TEST_F(GainRange, DegreeFollowsTheHighestNonzeroCoefficient)
-{
-    Matrix *W = matDecl(4, 4);
-    Complex roots[4] = {{7, 7}, {7, 7}, {7, 7}, {7, 7}};
-    const double quadratic[5] = {2, -3, 1, 0, 0};      /* (s - 1)(s - 2), leading terms gone */
-    ASSERT_EQ(polyRoots(roots, quadratic, 4, W), 2);
-    double low = std::min(roots[0].re, roots[1].re), high = std::max(roots[0].re, roots[1].re);
-    EXPECT_NEAR(low, 1.0, 1e-12);
-    EXPECT_NEAR(high, 2.0, 1e-12);
-    EXPECT_EQ(roots[2].re, 7.0) << "entries past the degree are left alone";
-
-    const double constant[5] = {5, 0, 0, 0, 0}, none[5] = {0, 0, 0, 0, 0};
-    EXPECT_EQ(polyRoots(roots, constant, 4, W), 0);
-    EXPECT_EQ(polyRoots(roots, none, 4, W), -1);
-    EXPECT_EQ(roots[2].re, 7.0);
-
-    /* A NaN coefficient counts as present and gives NaN roots, not a hang. */
-    const double broken[5] = {1, NAN, 1, 0, 0};
-    ASSERT_EQ(polyRoots(roots, broken, 4, W), 2);
-    EXPECT_TRUE(std::isnan(roots[0].re) || std::isnan(roots[1].re));
-    gfree(W);
-}
-
 TEST_F(GainRange, ThreePolesAtMinusOneLeaveTheBoxOfTwo)
 {
     /* (s + 1)^3 + K: roots -1 + K^(1/3) e^(j pi (2k + 1)/3).  The complex pair leaves the

@@ -181,35 +181,6 @@ TEST_F(Sweep, ADegreeDropKeepsTheRootsEarlierStepsFound)
     EXPECT_EQ(branch(1)[0].im, stale.im);
 }
 
-TEST_F(Sweep, TraceBuffersGrowBy128PointsAndLeaveUnwrittenPointsUndrawn)
-{
-    gainRange.steps = 50;
-    block = makeRootLocusPlot(1);
-    plot = plotRecordOf(block);
-    storeLocusPoint(plot, 0, 0, {1, 2});
-    storeLocusPoint(plot, 0, 60, {3, -4});
-    for (int c = 0; c < 2; ++c) {
-        PlotPointBuffer *b = buffer(0, c);
-        EXPECT_EQ(b->capacity, 178u);
-        EXPECT_EQ(b->highestIndex, 60u);
-        EXPECT_EQ(b->values[60], c == 0 ? 3.0 : -4.0);
-        EXPECT_TRUE(std::isnan(b->values[59]));
-        EXPECT_TRUE(std::isnan(b->values[177]));
-    }
-    /* A step more than 128 beyond the buffer: as many 128-point additions as it takes. */
-    storeLocusPoint(plot, 0, 500, {5, 6});
-    for (int c = 0; c < 2; ++c) {
-        PlotPointBuffer *b = buffer(0, c);
-        EXPECT_EQ(b->capacity, 178u + 3 * 128);
-        EXPECT_EQ(b->highestIndex, 500u);
-        EXPECT_EQ(b->values[500], c == 0 ? 5.0 : 6.0);
-        EXPECT_EQ(b->values[60], c == 0 ? 3.0 : -4.0);
-    }
-    /* A branch the host has no trace for is skipped. */
-    storeLocusPoint(plot, 5000, 0, {1, 1});
-    EXPECT_EQ(buffer(5000, 0), nullptr);
-}
-
 TEST_F(Sweep, UnconnectedInputIsReportedAndNothingDrawn)
 {
     useLoop({1}, {0, 2, 3});

@@ -14,7 +14,6 @@
 
 #include "hostapp/host_state.h"
 #include "platform/driver.h"
-#include "platform/resource_script.h"
 #include "shell/option_dialogs.h"
 #include "shell/praxa.h"
 #include "shell/settings.h"
@@ -263,24 +262,6 @@ TEST_F(Settings, StepCountOneIsRefusedAndTwoAccepted)
     EXPECT_EQ(setting("freqSteps"), "2");
 }
 
-TEST_F(Settings, NonNumericEntriesReadAsZero)
-{
-    editedRange = &frequencyRange;
-    act(ActionKind::Type, OPTION_START, "abc");
-    act(ActionKind::Type, OPTION_STOP, "xyz");
-    act(ActionKind::Click, IDOK);
-    act(ActionKind::Type, OPTION_STOP, "3");
-    act(ActionKind::Type, OPTION_STEPS, "many");
-    act(ActionKind::Click, IDOK);
-    act(ActionKind::Click, IDCANCEL);
-    EXPECT_EQ(runSpied("PRX_OPTIONS", freqOptionDlg, RANGE_CONTROLS), 2);
-    EXPECT_EQ(messageCount("Start must be less than Stop"), 1);
-    EXPECT_EQ(messageCount("step count too low"), 1);
-    EXPECT_EQ(frequencyRange.start, 0.0);
-    EXPECT_EQ(frequencyRange.stop, 3.0);
-    EXPECT_EQ(frequencyRange.steps, 0);
-}
-
 TEST_F(Settings, StartIsStoredAtDisplayPrecision)
 {
     editedRange = &frequencyRange;
@@ -295,19 +276,6 @@ TEST_F(Settings, StartIsStoredAtDisplayPrecision)
     /* Read back at the next command, at the stored precision. */
     EXPECT_EQ(praxaCmd(234), 0);
     EXPECT_EQ(frequencyRange.start, 0.123457);
-}
-
-TEST_F(Settings, RangeHelpOpensTheTopicOfTheEditedRange)
-{
-    act(ActionKind::Click, HELP_BUTTON);
-    act(ActionKind::Click, IDCANCEL);
-    EXPECT_EQ(praxaCmd(235), 1);
-    act(ActionKind::Click, HELP_BUTTON);
-    act(ActionKind::Click, IDCANCEL);
-    EXPECT_EQ(praxaCmd(241), 1);
-    EXPECT_EQ(messageCount("[help] file 43528 topic 1186"), 1) << platform::transcriptText();
-    EXPECT_EQ(messageCount("[help] file 43528 topic 1183"), 1);
-    EXPECT_FALSE(std::filesystem::exists(settingsFile()));
 }
 
 TEST_F(Settings, HandEditedRangeKeysTakeEffectAtTheNextCommand)
@@ -334,18 +302,6 @@ TEST_F(Settings, HandEditedRangeKeysTakeEffectAtTheNextCommand)
     EXPECT_EQ(frequencyRange.start, 2.0);
     EXPECT_EQ(frequencyRange.stop, 900.0);
     EXPECT_EQ(frequencyRange.steps, 300);
-}
-
-TEST_F(Settings, ReuseOnWithoutNegativeFrequencyKey)
-{
-    std::ofstream(settingsFile()) << "[tervan]\nprxReusePlots=1\nfreqUnits=210\nphaseUnits=213\nmagUnits=215\n";
-    negativeFrequencies = 0;
-    startHostWithPlugin(settingsFile(), dir.path);
-    EXPECT_EQ(reusePlots, 1);
-    EXPECT_EQ(negativeFrequencies, 0);
-    EXPECT_EQ(frequencyUnit.selected, 210);
-    EXPECT_EQ(phaseUnit.selected, 213);
-    EXPECT_EQ(magnitudeUnit.selected, 215);
 }
 
 const std::vector<int> PREFERENCE_CONTROLS = {
@@ -398,17 +354,6 @@ TEST_F(Settings, HertzAndOkWritesTheUnitKeys)
     EXPECT_EQ(setting("displayPrecision"), "<none>");
 }
 
-TEST_F(Settings, PreferencesHelpAndCancelChangeNothing)
-{
-    act(ActionKind::Check, 210);
-    act(ActionKind::Click, HELP_BUTTON);
-    act(ActionKind::Click, IDCANCEL);
-    EXPECT_EQ(praxaCmd(246), 1);
-    EXPECT_EQ(messageCount("[help] file 43528 topic 1179"), 1) << platform::transcriptText();
-    EXPECT_EQ(frequencyUnit.selected, 211);
-    EXPECT_FALSE(std::filesystem::exists(settingsFile()));
-}
-
 const std::vector<int> ROOT_LOCUS_CONTROLS = {OPTION_START, OPTION_STOP, OPTION_STEPS, OPTION_START_LABEL,
                                               OPTION_STOP_LABEL, OPTION_GAIN_GROUP, OPTION_AUTO_RANGE};
 
@@ -444,25 +389,6 @@ TEST_F(Settings, RootLocusOptionsEnableTheGainsWhenAutoRangeIsOff)
     EXPECT_FALSE(std::filesystem::exists(settingsFile()));
 }
 
-TEST_F(Settings, RootLocusOptionsShowTheGainsWhenAutoRangeIsOff)
-{
-    editedRange = &gainRange;
-    gainRange = {12, 0.5, 8.0};
-    optionsMemory.autoRange = 0;
-    act(ActionKind::Check, OPTION_AUTO_RANGE);
-    act(ActionKind::Click, IDOK);
-    EXPECT_EQ(runSpied("ROOT_LOC_OPTIONS", rootLocOptionDlg, ROOT_LOCUS_CONTROLS), 1);
-    ASSERT_FALSE(views.empty());
-    const DialogView &atStart = views.front();
-    EXPECT_EQ(atStart.text.at(OPTION_START), ".5");
-    EXPECT_EQ(atStart.text.at(OPTION_STOP), "8");
-    EXPECT_EQ(atStart.text.at(OPTION_STEPS), "12");
-    EXPECT_TRUE(atStart.enabled.at(OPTION_START));
-    EXPECT_NE(optionsMemory.autoRange, 0);
-    EXPECT_EQ(gainRange.start, 0.5);
-    EXPECT_EQ(gainRange.stop, 8.0);
-}
-
 TEST_F(Settings, RootLocusOptionsRefuseNegativeGainsAndBadEntries)
 {
     editedRange = &gainRange;
@@ -485,103 +411,6 @@ TEST_F(Settings, RootLocusOptionsRefuseNegativeGainsAndBadEntries)
     for (const DialogView &v : views)
         refocused = refocused || (v.text.at(OPTION_START) == "-3" && v.focusOn(OPTION_START));
     EXPECT_TRUE(refocused);
-}
-
-/* ---- The three templates as the build embeds them ---- */
-
-/* The control with this id, or for id -1 the one with this text; null when absent. */
-const platform::ControlTemplate *controlOf(const platform::DialogTemplate &d, int id, const std::string &text = "")
-{
-    for (const platform::ControlTemplate &c : d.controls)
-        if (c.id == id && (id != -1 || c.text == text))
-            return &c;
-    return nullptr;
-}
-
-enum : DWORD { PUSH = 0x0, DEFAULT_PUSH = 0x1, AUTO_CHECK = 0x3, GROUP_BOX = 0x7, AUTO_RADIO = 0x9 };
-
-/* A button of the given kind (low four style bits) with this id and text. */
-void expectButton(const platform::DialogTemplate &d, int id, const char *text, DWORD kind)
-{
-    SCOPED_TRACE(d.name + " control " + std::to_string(id) + " \"" + text + "\"");
-    const platform::ControlTemplate *c = controlOf(d, id, text);
-    ASSERT_NE(c, nullptr);
-    EXPECT_EQ(c->className, platform::BUTTON_CLASS);
-    EXPECT_EQ(c->text, text);
-    EXPECT_EQ(c->style & 0xF, kind);
-}
-
-void expectStatic(const platform::DialogTemplate &d, const char *text)
-{
-    const platform::ControlTemplate *c = controlOf(d, -1, text);
-    ASSERT_NE(c, nullptr) << d.name << " static \"" << text << "\"";
-    EXPECT_EQ(c->className, platform::STATIC_CLASS);
-}
-
-void expectEdit(const platform::DialogTemplate &d, int id)
-{
-    const platform::ControlTemplate *c = controlOf(d, id);
-    ASSERT_NE(c, nullptr) << d.name << " edit " << id;
-    EXPECT_EQ(c->className, platform::EDIT_CLASS);
-}
-
-TEST(SettingsTemplates, TitlesSizesFontsAndControls)
-{
-    platform::ResourceScript script = testing_support::projectResourceScript();
-    ASSERT_EQ(script.error, "");
-
-    const platform::DialogTemplate *options = testing_support::findTemplate(script, "PRX_OPTIONS");
-    ASSERT_NE(options, nullptr);
-    EXPECT_EQ(options->cx, 114);
-    EXPECT_EQ(options->cy, 85);
-    EXPECT_EQ(options->fontFace, "Microsoft Sans Serif");
-    EXPECT_EQ(options->fontSize, 10);
-    for (const char *text : {"Start:", "End:", "Step Count:"})
-        expectStatic(*options, text);
-    for (int id : {102, 103, 104})
-        expectEdit(*options, id);
-    expectButton(*options, 1029, "Auto Range", AUTO_CHECK);
-    expectButton(*options, 1, "OK", DEFAULT_PUSH);
-    expectButton(*options, 2, "Cancel", PUSH);
-    expectButton(*options, 9, "Help", PUSH);
-
-    const platform::DialogTemplate *preferences = testing_support::findTemplate(script, "PRX_PREFERENCES");
-    ASSERT_NE(preferences, nullptr);
-    EXPECT_EQ(preferences->caption, "Praxa Preferences");
-    EXPECT_EQ(preferences->cx, 140);
-    EXPECT_EQ(preferences->cy, 180);
-    EXPECT_EQ(preferences->fontFace, "Microsoft Sans Serif");
-    EXPECT_EQ(preferences->fontSize, 10);
-    for (const char *text : {"Digits of Display Precision:", "Numerator:", "Denominator:"})
-        expectStatic(*preferences, text);
-    for (int id : {203, 200, 201})
-        expectEdit(*preferences, id);
-    expectButton(*preferences, 1035, "Negative Frequencies in Nyquist Plot", AUTO_CHECK);
-    expectButton(*preferences, 701, "Frequency Units", GROUP_BOX);
-    expectButton(*preferences, 211, "Radians/Second", AUTO_RADIO);
-    expectButton(*preferences, 210, "Hertz", AUTO_RADIO);
-    expectButton(*preferences, 704, "Phase", GROUP_BOX);
-    expectButton(*preferences, 213, "Radians", AUTO_RADIO);
-    expectButton(*preferences, 212, "Degrees", AUTO_RADIO);
-    expectButton(*preferences, 707, "Magnitude", GROUP_BOX);
-    expectButton(*preferences, 216, "Log 10", AUTO_RADIO);
-    expectButton(*preferences, 215, "Decibels", AUTO_RADIO);
-    expectButton(*preferences, -1, "Zero Threshold", GROUP_BOX);
-    expectButton(*preferences, 1, "OK", DEFAULT_PUSH);
-    expectButton(*preferences, 2, "Cancel", PUSH);
-    expectButton(*preferences, 9, "Help", PUSH);
-
-    /* Its OK is an ordinary push button: Enter still gives IDOK, as in a dialog without a default. */
-    const platform::DialogTemplate *rootLocus = testing_support::findTemplate(script, "ROOT_LOC_OPTIONS");
-    ASSERT_NE(rootLocus, nullptr);
-    EXPECT_EQ(rootLocus->caption, "Root Locus Options");
-    EXPECT_EQ(rootLocus->cx, 124);
-    EXPECT_EQ(rootLocus->cy, 78);
-    expectStatic(*rootLocus, "Step Count:");
-    expectEdit(*rootLocus, 104);
-    expectButton(*rootLocus, 1, "OK", PUSH);
-    expectButton(*rootLocus, 2, "Cancel", PUSH);
-    expectButton(*rootLocus, 9, "Help", PUSH);
 }
 
 }

@@ -106,13 +106,6 @@ TEST_F(Commands, NyquistOfASampledModelInHertzStopsAtOneHertzInMemoryOnly)
     EXPECT_NE(nyquistPlot, first) << "a Nyquist plot is never reused";
 }
 
-TEST_F(Commands, NyquistOfASampledModelInRadiansStopsAtTwoPi)
-{
-    start("sampled_loop.json", "[tervan]\nfreqStop=100\n");
-    EXPECT_EQ(praxaCmd(250), 1);
-    EXPECT_EQ(frequencyRange.stop, 6.283185307179586);
-}
-
 TEST_F(Commands, TransferFunctionInfoShowsBothDialogsForTheLinearizedModel)
 {
     start("servo.json");

@@ -94,20 +94,6 @@ TEST_F(EntryPoints, WrongHostVersionGetsTheMessageAndChangesNothing)
     EXPECT_NE(platform::transcriptText().find("but you've got version 23.1.00"), std::string::npos);
 }
 
-TEST_F(EntryPoints, NegativeRevisionIsRefusedButTheAboutBoxStillOpens)
-{
-    hostapp::host().revision = -2;
-    EXPECT_EQ(praxaCmd(206), 1);
-    EXPECT_NE(platform::transcriptText().find("Praxa requires version 23.0.00"), std::string::npos);
-
-    platform::clearTranscript();
-    EXPECT_EQ(praxaCmd(245), 1);
-    std::string text = platform::transcriptText();
-    EXPECT_NE(text.find("[dialog] "), std::string::npos) << text;
-    EXPECT_NE(text.find("static 100 \"Version  Build 10623.0\""), std::string::npos) << text;
-    EXPECT_NE(text.find("\"Tervan/PRAXA\""), std::string::npos) << text;
-}
-
 TEST_F(EntryPoints, AboutTextHasTwoBlanksAfterVersion)
 {
     EXPECT_STREQ(aboutText(), "Version  Build 10623.0");
@@ -122,15 +108,6 @@ TEST_F(EntryPoints, HostCommandsReturnZeroAfterThePrologue)
     EXPECT_EQ(frequencyRange.stop, 20.0);
     EXPECT_EQ(frequencyRange.steps, 7);
     EXPECT_EQ(praxaCmd(254), 0);
-}
-
-TEST_F(EntryPoints, IdsThatAreNotThePluginsReturnZeroWithoutThePrologue)
-{
-    for (uint16_t id : {0, 205, 207, 244, 297, 65535}) {
-        EXPECT_EQ(praxaCmd(id), 0) << id;
-    }
-    EXPECT_FALSE(hostapp::host().waitCursor);
-    EXPECT_TRUE(platform::transcript().empty());
 }
 
 TEST_F(EntryPoints, DeletingARememberedPlotForgetsOnlyThatOne)

@@ -126,15 +126,6 @@ TEST_F(MatrixText, FileModeWritesTheSameText)
     gfree(b);
 }
 
-TEST_F(MatrixText, AnyChoiceOtherThanScreenIsFileMode)
-{
-    Matrix *a = fromRows(1, 1, {7});
-    linOutputChoice = 0;            /* not yet chosen: only 208 means the screen */
-    printMatrix("a = ", a);         /* no file open: the host drops the text */
-    EXPECT_TRUE(messageBoxTexts().empty());
-    gfree(a);
-}
-
 TEST_F(MatrixText, ScreenTextLargerThanTheBufferIsSplitAtLineEnds)
 {
     /* 40 x 40 of 12-character numbers: about 21000 bytes, several message boxes. */
@@ -159,29 +150,4 @@ TEST_F(MatrixText, ScreenTextLargerThanTheBufferIsSplitAtLineEnds)
     EXPECT_EQ(expected.substr(0, 22), "big = [-.333333333333 ");
     EXPECT_EQ(std::count(expected.begin(), expected.end(), '\n'), (long)n);
     gfree(m);
-}
-
-TEST_F(MatrixText, LineLongerThanTheBufferIsSplitBetweenElements)
-{
-    /* A vector of 2000 values is one line of about 24000 bytes. */
-    PrecisionScope longDigits(10);
-    Matrix *v = matDecl(2000, 0);
-    for (uint32_t k = 0; k < 2000; k++)
-        v->data[k] = 1.0 + k / 7.0;
-    printMatrix("v = ", v);
-    std::vector<std::string> boxes = messageBoxTexts();
-    ASSERT_GT(boxes.size(), 5u);
-    std::string joined;
-    for (size_t i = 0; i < boxes.size(); i++) {
-        EXPECT_LT(boxes[i].size(), 4096u);
-        if (i + 1 < boxes.size()) {
-            EXPECT_EQ(boxes[i].back(), ' ');                          /* element boundary */
-        }
-        joined += boxes[i];
-    }
-    std::string expected = inFile([&] { printMatrix("v = ", v); });
-    EXPECT_EQ(joined, expected);
-    EXPECT_EQ(expected.substr(0, 18), "v = [1 1.142857143");
-    EXPECT_EQ(expected.substr(expected.size() - 4), " ];\n");
-    gfree(v);
 }

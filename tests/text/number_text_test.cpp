@@ -88,15 +88,6 @@ TEST(NumberToText, AbsurdPrecisionsGiveSaneTextsInTheBuffers)
     EXPECT_NE(text.find(","), std::string::npos);
 }
 
-TEST(NumberToText, ReturnsOneBufferThatTheNextCallOverwrites)
-{
-    PrecisionScope precision(6);
-    const char *first = numberToText(1.0);
-    const char *second = numberToText(2.0);
-    EXPECT_EQ(first, second);
-    EXPECT_STREQ(first, "2");
-}
-
 TEST(ComplexToText, PairInParentheses)
 {
     PrecisionScope precision(6);

@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "platform/driver.h"
-#include "platform/resource_script.h"
 #include "resources/prxdlg.h"
 #include "shell/praxa.h"
 #include "support.h"
@@ -142,35 +141,6 @@ TEST_F(XferDialogs, NumeratorTextsArePaddedTowardsThirteenCharacters)
     }
 }
 
-/* The PI speed loop of the examples: 100 (s + 2)/s times the motor 2/(s^2 + 12s + 20.02)
-** is 200 (s + 2)/(s (s^2 + 12s + 20.02)), poles 0 and -6 -+ sqrt(15.98). */
-TEST_F(XferDialogs, PiMotorLoopThroughTheCommandLine)
-{
-    testing_support::RunResult run = testing_support::runPraxa(
-        "--settings " + dir.file("tervan.ini") + " " + testing_support::examplePath("dc_motor_pi.json") + " tf");
-    EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_NE(run.out.find("  static 109 \"200\"\n"), std::string::npos) << run.out;
-    EXPECT_NE(run.out.find("  listbox 107: \"(-2,0)\"\n"
-                           "  listbox 108: \"(0,0)\" | \"(-2.0025,0)\" | \"(-9.9975,0)\"\n"),
-              std::string::npos)
-        << run.out;
-}
-
-TEST_F(XferDialogs, OneRowPerStateAndOneMoreWhateverTheZeros)
-{
-    /* (s + 4)/(s^3 + 6s^2 + 11s + 6): one zero, three poles, four rows */
-    std::unique_ptr<Model> m(controllableForm({4.0, 1.0, 0.0}, {6.0, 11.0, 6.0}));
-    showInfo(*m);
-    std::vector<std::string> rows = listEntries("Transfer Function", IDC_XFERINFO_ROWS);
-    ASSERT_EQ(rows.size(), 4u);
-    EXPECT_EQ(rows[0].rfind("s^0\t", 0), 0u) << rows[0];
-    EXPECT_EQ(rows[1].rfind("s^1\t1\t    \t", 0), 0u) << rows[1];
-    EXPECT_EQ(rows[2].rfind("s^2\t0\t    \t", 0), 0u) << rows[2];
-    EXPECT_EQ(rows[3], "s^3\t0\t    \t1");
-    EXPECT_EQ(listEntries("Zeros and Poles", IDC_POLEZERO_ZEROS), (std::vector<std::string>{"(-4,0)"}));
-    EXPECT_EQ(listEntries("Zeros and Poles", IDC_POLEZERO_POLES).size(), 3u);
-}
-
 namespace {
 
 DLGPROC spiedProcedure;
@@ -219,24 +189,6 @@ TEST_F(XferDialogs, RootsAreListedUnsortedInTheRootListsOrderWithTheFocusOnOk)
               (std::vector<std::string>{"(0,0)", "(-1,-2)", "(-1,2)", "(-7.25,0)"}));
 }
 
-/* The dialog procedures are exported: opened after timeToFrequency has released the
-** lists, they show the gain and empty lists. */
-TEST_F(XferDialogs, OpenedOutsideTheComputationTheDialogsShowTheGainAlone)
-{
-    Model m(1, {-1}, {1}, {2}, 0.0);
-    timeToFrequency(m.A, m.B, m.C, m.D, nullptr, nullptr, nullptr, 0);
-    platform::clearTranscript();
-    spiedProcedure = xferInfoDlg;
-    initResult = -1;
-    EXPECT_EQ(runDialog("TRANSFERINFO_BOX", initSpy), 1);
-    EXPECT_EQ(initResult, 1);
-    EXPECT_EQ(runDialog("POLEZERO_BOX", poleZeroDlg), 1);
-    EXPECT_EQ(controlLine(dialogLine("Transfer Function"), "static", IDC_XFERINFO_GAIN), "  static 109 \"2\"");
-    EXPECT_TRUE(listEntries("Transfer Function", IDC_XFERINFO_ROWS).empty());
-    EXPECT_TRUE(listEntries("Zeros and Poles", IDC_POLEZERO_ZEROS).empty());
-    EXPECT_TRUE(listEntries("Zeros and Poles", IDC_POLEZERO_POLES).empty());
-}
-
 /* Help opens each dialog's topic and the dialog stays; Esc then ends it with Cancel and
 ** the second dialog still follows. */
 TEST_F(XferDialogs, HelpOpensEachDialogsTopicAndEscapeEndsItWithCancel)
@@ -266,80 +218,4 @@ TEST_F(XferDialogs, NoDialogWithoutTheInfoFlag)
     timeToFrequency(m.A, m.B, m.C, m.D, nullptr, nullptr, nullptr, XFER_SHOW_COMPENSATOR);
     EXPECT_EQ(dialogLine("Transfer Function"), -1);
     EXPECT_EQ(dialogLine("Zeros and Poles"), -1);
-}
-
-namespace {
-
-using testing_support::findTemplate;
-
-DWORD symbol(const char *name) { return testing_support::styleSymbol(name); }
-
-void expectControl(const platform::ControlTemplate &c, int id, const char *className, const char *text,
-                   int x, int y, int cx, int cy)
-{
-    SCOPED_TRACE("control " + std::to_string(id));
-    EXPECT_EQ(c.id, id);
-    EXPECT_EQ(c.className, className);
-    EXPECT_EQ(c.text, text);
-    EXPECT_EQ(c.x, x);
-    EXPECT_EQ(c.y, y);
-    EXPECT_EQ(c.cx, cx);
-    EXPECT_EQ(c.cy, cy);
-}
-
-}
-
-TEST_F(XferDialogs, TemplatesHaveTheirTitlesFontsSizesControlsAndStyles)
-{
-    platform::ResourceScript script = testing_support::projectResourceScript();
-    ASSERT_EQ(script.error, "");
-
-    const platform::DialogTemplate *info = findTemplate(script, "TRANSFERINFO_BOX");
-    ASSERT_NE(info, nullptr);
-    EXPECT_EQ(info->caption, "Transfer Function");
-    EXPECT_EQ(info->fontFace, "Microsoft Sans Serif");
-    EXPECT_EQ(info->fontSize, 10);
-    EXPECT_EQ(info->cx, 272);
-    EXPECT_EQ(info->cy, 162);
-    EXPECT_EQ(info->style & (symbol("WS_POPUP") | symbol("WS_CAPTION")), symbol("WS_POPUP") | symbol("WS_CAPTION"));
-    ASSERT_EQ(info->controls.size(), 6u);
-    expectControl(info->controls[0], -1, "Static", "Gain", 15, 6, 28, 8);
-    expectControl(info->controls[1], 109, "Static", "1", 46, 6, 65, 8);
-    expectControl(info->controls[2], 105, "Static", "s^n           Numerator\t\t             Denominator", 6, 19,
-                  175, 8);
-    expectControl(info->controls[3], 106, "ListBox", "", 6, 31, 260, 106);
-    expectControl(info->controls[4], 1, "Button", "OK", 119, 144, 34, 14);
-    expectControl(info->controls[5], 9, "Button", "Help", 232, 144, 34, 14);
-    DWORD rows = info->controls[3].style;
-    for (const char *style : {"WS_BORDER", "WS_VSCROLL", "WS_HSCROLL", "LBS_NOTIFY", "LBS_USETABSTOPS",
-                              "LBS_EXTENDEDSEL"})
-        EXPECT_EQ(rows & symbol(style), symbol(style)) << style;
-    EXPECT_EQ(rows & symbol("LBS_SORT"), 0u);
-    EXPECT_EQ(info->controls[4].style & 0xF, symbol("BS_DEFPUSHBUTTON"));
-    EXPECT_EQ(info->controls[5].style & 0xF, symbol("BS_PUSHBUTTON"));
-
-    const platform::DialogTemplate *poleZero = findTemplate(script, "POLEZERO_BOX");
-    ASSERT_NE(poleZero, nullptr);
-    EXPECT_EQ(poleZero->caption, "Zeros and Poles");
-    EXPECT_EQ(poleZero->fontFace, "Microsoft Sans Serif");
-    EXPECT_EQ(poleZero->fontSize, 10);
-    EXPECT_EQ(poleZero->cx, 288);
-    EXPECT_EQ(poleZero->cy, 157);
-    DWORD frame = symbol("DS_MODALFRAME") | symbol("WS_CAPTION") | symbol("WS_SYSMENU");
-    EXPECT_EQ(poleZero->style & frame, frame);
-    ASSERT_EQ(poleZero->controls.size(), 5u);
-    expectControl(poleZero->controls[0], 109, "Static",
-                  "Zeros\t\t                                            Poles", 56, 5, 163, 8);
-    expectControl(poleZero->controls[1], 107, "ListBox", "", 2, 20, 140, 117);
-    expectControl(poleZero->controls[2], 108, "ListBox", "", 146, 20, 140, 117);
-    expectControl(poleZero->controls[3], 1, "Button", "&OK", 127, 139, 34, 14);
-    expectControl(poleZero->controls[4], 9, "Button", "Help", 252, 139, 34, 14);
-    for (int list : {1, 2}) {
-        DWORD style = poleZero->controls[list].style;
-        for (const char *s : {"WS_BORDER", "WS_VSCROLL", "LBS_NOTIFY"})
-            EXPECT_EQ(style & symbol(s), symbol(s)) << s;
-        EXPECT_EQ(style & symbol("LBS_SORT"), 0u);
-    }
-    EXPECT_EQ(poleZero->controls[1].style & symbol("LBS_HASSTRINGS"), symbol("LBS_HASSTRINGS"));
-    EXPECT_EQ(poleZero->controls[3].style & 0xF, symbol("BS_PUSHBUTTON"));
 }

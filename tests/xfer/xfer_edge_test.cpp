@@ -65,22 +65,6 @@ protected:
 
 }
 
-TEST_F(XferEdge, TripleIntegratorHasNoZerosAndUnitGain)
-{
-    std::unique_ptr<Model> m(controllableForm({1.0}, {0.0, 0.0, 0.0}));
-    Result r = transferFunctionOf(*m);
-    EXPECT_EQ(r.zeroCount, 0);
-    EXPECT_EQ(r.numerator, (std::vector<double>{1.0, 0.0, 0.0, 0.0, 0.0}));
-    for (int i = 0; i < 3; i++) {
-        EXPECT_EQ(r.poles[i].re, 0.0);
-        EXPECT_EQ(r.poles[i].im, 0.0);
-        EXPECT_EQ(r.denominator[i], 0.0) << i;
-    }
-    EXPECT_EQ(r.denominator[3], 1.0);
-    /* K = s0^3 * (1/s0^3) at the first usable test point. */
-    EXPECT_NEAR(r.gain, 1.0, 1e-12);
-}
-
 TEST_F(XferEdge, FeedThroughStopsTheReductionAtOnce)
 {
     /* G = 1/(s^2 + 3s + 2) + 1 = (s^2 + 3s + 3)/(s^2 + 3s + 2). */
@@ -103,21 +87,6 @@ TEST_F(XferEdge, FeedThroughStopsTheReductionAtOnce)
     EXPECT_EQ(r.numerator[2], 1.0);
     EXPECT_EQ(r.numerator[3], 0.0);
     EXPECT_NEAR(r.gain, 1.0, 1e-12);
-}
-
-TEST_F(XferEdge, FirstOrderModelHasNoZeros)
-{
-    Model m(1, {-1}, {1}, {2}, 0.0);
-    Matrix *S = matrixFromRows(2, 2, {1, -1, 0, 2});
-    EXPECT_EQ(reduceSysMatrix(S, 1, 1e-270), 0);
-    gfree(S);
-    Result r = transferFunctionOf(m);
-    EXPECT_EQ(r.zeroCount, 0);
-    EXPECT_EQ(r.numerator[0], 1.0);
-    EXPECT_EQ(r.numerator[1], 0.0);
-    EXPECT_EQ(r.numerator[2], 0.0);
-    EXPECT_EQ(r.denominator[0], 1.0);
-    EXPECT_EQ(r.denominator[1], 1.0);
 }
 
 TEST_F(XferEdge, CoincidingPoleAndZeroAreNotCancelled)
@@ -221,23 +190,6 @@ TEST_F(XferEdge, NonFiniteModelsEndWithAResult)
         gfree(numerator);
         gfree(denominator);
     }
-}
-
-TEST_F(XferEdge, PolynomialFromRoots)
-{
-    Complex scratch[5];
-    double coefficients[4] = {9, 9, 9, 9};
-    Complex real[2] = {{-1, 0}, {2, 0}};
-    polyFromRoots(coefficients, scratch, real, 2);
-    EXPECT_EQ(std::vector<double>(coefficients, coefficients + 4), (std::vector<double>{-2, -1, 1, 9}));
-
-    Complex pair[2] = {{-1, -2}, {-1, 2}};
-    polyFromRoots(coefficients, scratch, pair, 2);
-    EXPECT_EQ(std::vector<double>(coefficients, coefficients + 3), (std::vector<double>{5, 2, 1}));
-
-    double untouched[2] = {9, 9};
-    polyFromRoots(untouched, scratch, pair, 0);
-    EXPECT_EQ(untouched[0], 9.0);
 }
 
 TEST_F(XferEdge, StrictlyProperModelKeepsItsZeroAndIsHandedOverMonic)
