@@ -18,6 +18,7 @@
 #include <nlohmann/json.hpp>
 
 #include "hostapp/diagram.h"
+#include "hostapp/diagram_picture.h"
 #include "hostapp/host_state.h"
 #include "hostapp/plots.h"
 #include "hostapp/web_server.h"
@@ -176,6 +177,11 @@ int serveSession(const std::string &diagramPath, int port)
     setup.outputDir = host().outputDir;
     int boundPort = 0;
     std::string error;
+    if (!diagramPath.empty()) {
+        setup.diagramPicture = diagramPictureSvg(error);
+        if (setup.diagramPicture.empty())
+            std::fprintf(stderr, "praxa: no picture of the diagram: %s\n", error.c_str());
+    }
     if (!openWebServer(setup, port, boundPort, error)) {
         std::fprintf(stderr, "praxa: %s\n", error.c_str());
         return 2;

@@ -10,38 +10,40 @@ list=${1:-scripts/mutations.txt}
 pattern=${2:-}
 backup=$(mktemp)
 current=""
-restore() { [ -n "$current" ] && cp "$backup" "$current" && current=""; }
+restore() { if [ -n "$current" ]; then cp "$backup" "$current"; current=""; fi; }
 trap 'restore; rm -f "$backup"' EXIT
 trap 'exit 130' INT TERM
 
+# Fields are separated by " @ " (C++ code has '|' but no '@').
 caught=0 survived=0 skipped=0
-while IFS='|' read -r file original mutated target occurrence; do
-    file=$(echo "$file" | xargs)
-    [ -z "$file" ] || [ "${file:0:1}" = "#" ] && continue
+while IFS= read -r line; do
+    [ -z "${line// }" ] || [ "${line:0:1}" = "#" ] && continue
+    file=${line%% @ *}
     [ -n "$pattern" ] && [[ "$file" != *$pattern* ]] && continue
-    target=$(echo "$target" | xargs)
-    occurrence=$(echo "${occurrence:-1}" | xargs)
-    original=$(echo "$original" | sed 's/^ //; s/ $//')
-    mutated=$(echo "$mutated" | sed 's/^ //; s/ $//')
     cp "$file" "$backup"
     current=$file
-    if ! ORIGINAL="$original" MUTATED="$mutated" N="$occurrence" python3 - "$file" <<'PY'
+    label=$(LINE="$line" python3 - <<'PY'
 import os, sys
-path, old, new, n = sys.argv[1], os.environ["ORIGINAL"], os.environ["MUTATED"], int(os.environ["N"])
+fields = os.environ["LINE"].split(" @ ")
+path, old, new, target = (f.strip() for f in fields[:4])
+n = int(fields[4]) if len(fields) > 4 else 1
 text = open(path).read()
 at = -1
 for _ in range(n):
     at = text.find(old, at + 1)
     if at < 0:
-        sys.exit(1)
+        print("MISSING " + target + " " + path + ": text not found: " + old)
+        sys.exit(0)
 open(path, "w").write(text[:at] + new + text[at + len(old):])
+print("OK " + target + " " + path + ": '" + old + "' -> '" + new + "'")
 PY
-    then
-        echo "SKIPPED   $file: text not found: $original"
-        skipped=$((skipped + 1)); restore; continue
-    fi
-    label="$file: '$original' -> '$mutated'"
-    if ! cmake --build build -j2 --target "$target" >/dev/null 2>&1; then
+)
+    status=${label%% *}; label=${label#* }
+    target=${label%% *}; label=${label#* }
+    if [ "$status" != OK ]; then
+        echo "SKIPPED   $label"
+        skipped=$((skipped + 1))
+    elif ! cmake --build build -j2 --target "$target" >/dev/null 2>&1; then
         echo "NO BUILD  $label"
         skipped=$((skipped + 1))
     elif timeout 600 "build/$target" --gtest_brief=1 >/dev/null 2>&1; then

@@ -122,7 +122,7 @@ async function loadDiagramPicture() {
   if (!response.ok) return;
   $("diagram").innerHTML = await response.text();
   $("diagram").addEventListener("click", (event) => {
-    const port = event.target.closest("[data-point]");
+    const port = event.target.closest("g.port[data-point]");
     if (port && !shown.busy && !shown.dialogs.length && !shown.messageBox) send({ kind: "point", name: port.dataset.point });
   });
   markDiagram(shown.diagram);
@@ -131,11 +131,8 @@ async function loadDiagramPicture() {
 function markDiagram(diagram) {
   if (!diagram) return;
   const points = new Set(diagram.points);
-  const selection = new Set(diagram.selection);
-  for (const port of document.querySelectorAll("#diagram [data-point]"))
-    port.classList.toggle("reference-point", points.has(port.dataset.point));
-  for (const block of document.querySelectorAll("#diagram g.block[data-block]"))
-    block.classList.toggle("selected-block", selection.has(block.dataset.block));
+  for (const port of document.querySelectorAll("#diagram g.port[data-point]"))
+    port.classList.toggle("picked", points.has(port.dataset.point));
   $("diagram-marks").textContent =
     `${diagram.file || "no diagram"}: selection ${diagram.selection.join(", ") || "none"}; ` +
     `reference points ${diagram.points.join(", ") || "none"}`;

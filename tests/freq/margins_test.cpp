@@ -165,6 +165,26 @@ TEST_F(Margins, PhaseAboveZeroAtTheGainCrossoverLosesPi)
     EXPECT_NEAR(marginResults.phaseMargin, -90.0, 1e-9);
     int k = crossoverPoint([](double w) { return 2.0 * w; }, 1.0);
     EXPECT_NEAR(marginResults.gainCrossoverFreq, gridPoint(k, 50, 0.1, 100), 1e-12);
+
+    /* (s + 1)/(s + 1): |G| = 1 at every point, the last one taken; phase exactly 0 gains pi. */
+    bode(1.0, {{-1, 0}}, {{-1, 0}});
+    EXPECT_NEAR(marginResults.phaseMargin, 180.0, 1e-9);
+    EXPECT_NEAR(marginResults.gainCrossoverFreq, gridPoint(49, 50, 0.1, 100), 1e-12);
+}
+
+TEST_F(Margins, StepLandingExactlyOnALevelAtTheLastPointIsACrossing)
+{
+    /* Points 0.1, 1 and 10: |G| steps from 1.5 onto 1 and the phase from -2 onto -pi. */
+    const BodeGrid grid{-1.0, 1.0, 1.0};
+    const double magnitude[] = {2.0, 1.5, 1.0}, phase[] = {-1.0, -2.0, -PI};
+    marginTrackerStart();
+    for (int i = 1; i <= 3; i++)
+        marginTrackerPoint(i, magnitude[i - 1], phase[i - 1]);
+    marginTrackerFinish(&grid, magnitude, phase);
+    EXPECT_DOUBLE_EQ(marginResults.gainCrossoverFreq, 1.0);
+    EXPECT_DOUBLE_EQ(marginResults.phaseCrossoverFreq, 1.0);
+    EXPECT_EQ(marginResults.gainMargin, 1.5);
+    EXPECT_NEAR(marginResults.phaseMargin, (PI - 2.0) * 180.0 / PI, 1e-9);
 }
 
 TEST_F(Margins, DialogShowsFourDisabledFieldsAndBothButtonsCloseIt)

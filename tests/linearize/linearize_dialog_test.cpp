@@ -5,7 +5,6 @@
 #include "fixture.h"
 
 #include "hostapp/host_state.h"
-#include "platform/resource_script.h"
 #include "resources/prxdlg.h"
 #include "shell/praxa.h"
 #include "shell/text.h"
@@ -76,20 +75,6 @@ TEST_F(LinearizeDialog, ResultFileNameKeepsAtMost31Characters)
     EXPECT_EQ(praxaCmd(CMD_LINEARIZE), 1);
     std::string written = testing_support::readFile(dir.file("abcdefghijklmnopqrstuvwxyz01234"));
     EXPECT_EQ(written.substr(0, written.find('\n') + 1), "function [a,b,c,d] = abcdefghijklmnopqrstuvwxyz01234\n")
-        << transcript();
-}
-
-TEST_F(LinearizeDialog, ScreenDisplayShowsFourMessageBoxes)
-{
-    loadExample("servo.json");
-    EXPECT_EQ(praxaCmd(CMD_LINEARIZE), 1);
-    std::vector<std::string> boxes;
-    for (const std::string &line : messages())
-        if (line.rfind("[Tervan]", 0) == 0)
-            boxes.push_back(line);
-    EXPECT_EQ(boxes, (std::vector<std::string>{"[Tervan] a = [-10 0 0 ;\n    10 -1 0 ;\n    0 1 0 ];\n",
-                                               "[Tervan] b = [2 ;\n    0 ;\n    0 ];\n", "[Tervan] c = [0 0 1 ];\n",
-                                               "[Tervan] d = [0 ];\n"}))
         << transcript();
 }
 

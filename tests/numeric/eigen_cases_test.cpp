@@ -47,14 +47,22 @@ TEST_F(EigenCases, SmallCasesInDeflationOrder)
     }
     EXPECT_EQ(platform::transcript().size(), 0u);
 
-    /* The real pair's matrix has nothing to balance. */
-    Matrix *pair = fromRows(2, 2, {0, 1, -2, -3});
-    Matrix *work = fromRows(2, 2, {0, 1, -2, -3});
-    balanceMatrix(work, 2);
-    for (int k = 0; k < 4; k++)
-        EXPECT_EQ(work->data[k], pair->data[k]);
-    gfree(pair);
-    gfree(work);
+    /* Balancing scales row i by 1/f and column i by f, f a power of 2, only where that
+    ** shrinks the off-diagonal norms of the pair below 0.95 of their sum: [0 3; 1 0]
+    ** takes f = 2 at i = 1 (sum 4 to 3.5), and the real pair's matrix nothing. */
+    const struct {
+        std::vector<double> rows, balanced;
+    } balancing[] = {
+        {{0, 1, -2, -3}, {0, 1, -2, -3}},
+        {{0, 3, 1, 0}, {0, 1.5, 2, 0}},
+    };
+    for (const auto &c : balancing) {
+        Matrix *work = fromRows(2, 2, {c.rows[0], c.rows[1], c.rows[2], c.rows[3]});
+        balanceMatrix(work, 2);
+        for (uint32_t k = 0; k < 4; k++)
+            EXPECT_EQ(el(work, k / 2, k % 2), c.balanced[k]) << c.rows[1] << " element " << k;
+        gfree(work);
+    }
 }
 
 TEST_F(EigenCases, TopLeftBlockOfLargerMatrixAndInputUntouched)

@@ -27,8 +27,9 @@ TEST_F(SvdCases, SmallSolves)
         bool inPlace;                   /* x is b */
     } cases[] = {
         {2, {1, 0, 0, 1}, {1, 2}, {1, 2}, 0, false},
-        /* below 1e-12 of the largest: dropped */
+        /* below 1e-12 of the largest: dropped; above it: kept */
         {2, {1, 0, 0, 1e-13}, {3, 4}, {3, 0}, 1, false},
+        {2, {1, 0, 0, 1e-8}, {3, 4}, {3, 4e8}, 0, false},
         /* every value 0, the threshold 0: nothing is below it */
         {3, {0, 0, 0, 0, 0, 0, 0, 0, 0}, {1, 2, 3}, {0, 0, 0}, 0, false},
         {2, {2, 1, 1, 3}, {3, 5}, {0.8, 1.4}, 0, true},
@@ -47,7 +48,7 @@ TEST_F(SvdCases, SmallSolves)
             if (c.x[i] == 0.0)
                 EXPECT_EQ(into->data[i], 0.0) << "n=" << c.n << " x" << i;
             else
-                EXPECT_NEAR(into->data[i], c.x[i], 1e-14) << "n=" << c.n << " x" << i;
+                EXPECT_NEAR(into->data[i], c.x[i], 1e-14 * std::fabs(c.x[i])) << "n=" << c.n << " x" << i;
         }
         for (Matrix *m : {a, b, x})
             gfree(m);

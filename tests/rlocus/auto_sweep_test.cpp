@@ -3,6 +3,8 @@
 ** step kept small, the snapped break-away point, the gain held once the locus has spread,
 ** and the branches recorded at each zero.
 */
+#include <numbers>
+
 #include "locus_fixture.h"
 
 using namespace locustest;
@@ -46,6 +48,42 @@ TEST_F(AutoSweep, AdaptedStepsSitOnTheClosedLoopRootsOfTheirGains)
     /* The first step is halved until no root moves more than max(1, S)/100 (S = 4). */
     for (int j = 0; j < 3; ++j)
         EXPECT_LE(distance(branch(j)[1], branch(j)[0]), 0.04);
+}
+
+TEST_F(AutoSweep, StepThatHardlyMovesTheRootsGrowsByHalfItsGain)
+{
+    /* 1/(s + 1): the root -1 - K moves as far as the gain does.  With steps 0 and 1 at
+    ** K = 0 and 1 and a box of 10, a step moving less than 10/500 grows K by half, and one
+    ** that moves at most 10/100 along a straight branch is kept. */
+    useLoop({1}, {1});
+    block = makeRootLocusPlot(1);
+    plot = plotRecordOf(block);
+    beginLocusRun(num, den, n, gain);
+    const struct {
+        double K, adapted;
+    } cases[] = {{1.01, 1.515}, {1.019, 1.5285}, {1.05, 1.05}, {1.3, 1.3}};
+    for (const auto &c : cases) {
+        rootLocusStep(plot, 0, 0.0);
+        rootLocusStep(plot, 1, 1.0);
+        double K = c.K;
+        adaptLocusGain(plot, n, 3, &K, 1.0, 10.0);
+        EXPECT_DOUBLE_EQ(K, c.adapted) << c.K;
+    }
+    /* A step 10 degrees off the branch's previous direction is halved until it moves at
+    ** most 10/100, whether it moved more than 10/500 or not. */
+    const struct {
+        double K, adapted;
+    } turned[] = {{3.0, 1.0625}, {1.15, 1.075}};
+    const double tenDegrees = std::numbers::pi / 18.0;
+    for (const auto &c : turned) {
+        rootLocusStep(plot, 0, 0.0);
+        rootLocusStep(plot, 1, 1.0);
+        storeLocusPoint(plot, 0, 0, {-2.0 + 0.1 * std::cos(tenDegrees), -0.1 * std::sin(tenDegrees)});
+        double K = c.K;
+        adaptLocusGain(plot, n, 3, &K, 1.0, 10.0);
+        EXPECT_DOUBLE_EQ(K, c.adapted) << c.K;
+    }
+    endLocusRun();
 }
 
 TEST_F(AutoSweep, GainIsHeldOnceTheLocusSpreadsBeyondTwiceTheBox)

@@ -107,6 +107,13 @@ TEST_F(GainRange, BoxIsTwiceTheLargestRootMagnitude)
     EXPECT_EQ(Kauto, 3840.0);
     EXPECT_GT(Kauto, 3825.0);
     EXPECT_LT(Kauto, 3825.0 + 25.6 + 1e-9);
+
+    /* -16 +- j sqrt(K - 256) leave |Im| <= 64 above K = 4352: 5120 passes, then 3840
+    ** fails, 4480 passes, 4160 and 4320 fail, 4400 and 4360 pass, 4340 fails: a bracket
+    ** of 20 (a bracket of 160 after 4320 is not yet within 1 % of 2560). */
+    autoRange({1, 0, 0}, {0, 32, 1}, {{0, 0}, {-32, 0}}, {});
+    EXPECT_EQ(S, 64.0);
+    EXPECT_EQ(Kauto, 4360.0);
 }
 
 }

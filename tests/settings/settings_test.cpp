@@ -304,6 +304,18 @@ TEST_F(Settings, HandEditedRangeKeysTakeEffectAtTheNextCommand)
     EXPECT_EQ(frequencyRange.steps, 300);
 }
 
+TEST_F(Settings, UnitKeysAndFlagsAreReadAtInit)
+{
+    std::ofstream(settingsFile()) << "[tervan]\nprxReusePlots=1\nuseNegativeFrequenciesInNyquistPlot=1\n"
+                                     "freqUnits=210\nphaseUnits=213\nmagUnits=215\n";
+    startHostWithPlugin(settingsFile(), dir.path);
+    EXPECT_EQ(reusePlots, 1);
+    EXPECT_EQ(negativeFrequencies, 1);
+    EXPECT_EQ(frequencyUnit.selected, 210);
+    EXPECT_EQ(phaseUnit.selected, 213);
+    EXPECT_EQ(magnitudeUnit.selected, 215);
+}
+
 const std::vector<int> PREFERENCE_CONTROLS = {
     PREF_NUMERATOR_THRESHOLD, PREF_DENOMINATOR_THRESHOLD, PREF_PRECISION, PREF_NEGATIVE_FREQUENCIES,
     210, 211, 212, 213, 215, 216};
@@ -393,6 +405,7 @@ TEST_F(Settings, RootLocusOptionsRefuseNegativeGainsAndBadEntries)
 {
     editedRange = &gainRange;
     optionsMemory.autoRange = 0;
+    act(ActionKind::Type, OPTION_START, "0");        /* zero is a gain */
     act(ActionKind::Type, OPTION_START, "-3");
     act(ActionKind::Type, OPTION_START, "4");
     act(ActionKind::Type, OPTION_STOP, "4");

@@ -1,7 +1,7 @@
 /*
-** Menu commands on a loaded diagram: each analysis linearizes first, Linearize keeps
-** its file name, plots are reused or created as the settings say, and Nyquist limits
-** the range of a sampled model in memory only.
+** Menu commands on a loaded diagram: each analysis linearizes first, plots are reused
+** or created as the settings say, and Nyquist limits the range of a sampled model in
+** memory only.
 */
 #include <gtest/gtest.h>
 
@@ -41,23 +41,6 @@ protected:
         hostapp::resetHost();
     }
 };
-
-TEST_F(Commands, LinearizeToAFileRemembersTheNameWithoutItsExtension)
-{
-    start("servo.json");
-    platform::queueDialogAction({"LINEARIZE", platform::ActionKind::Click, 207, "", 0});
-    platform::queueDialogAction({"LINEARIZE", platform::ActionKind::Type, 101, "sys.m", 0});
-    EXPECT_EQ(praxaCmd(206), 1);
-    EXPECT_EQ(readFile(dir.file("sys.m")).substr(0, 27), "function [a,b,c,d] = sys\na ");
-    EXPECT_EQ(linOutputChoice, 208);
-
-    platform::clearTranscript();
-    platform::queueDialogAction({"LINEARIZE", platform::ActionKind::Cancel, 0, "", 0});
-    EXPECT_EQ(praxaCmd(206), 1);
-    std::string text = platform::transcriptText();
-    EXPECT_NE(text.find("  edit 101 \"sys\"\n"), std::string::npos) << text;
-    EXPECT_NE(text.find("  radio 208 \"Linearize to Screen Display\" [x]\n"), std::string::npos) << text;
-}
 
 TEST_F(Commands, AnalysesStopQuietlyWhenLinearizationFails)
 {
@@ -104,20 +87,6 @@ TEST_F(Commands, NyquistOfASampledModelInHertzStopsAtOneHertzInMemoryOnly)
     HostBlock *first = nyquistPlot;
     EXPECT_EQ(praxaCmd(250), 1);
     EXPECT_NE(nyquistPlot, first) << "a Nyquist plot is never reused";
-}
-
-TEST_F(Commands, TransferFunctionInfoShowsBothDialogsForTheLinearizedModel)
-{
-    start("servo.json");
-    EXPECT_EQ(praxaCmd(243), 1);
-    std::string text = platform::transcriptText();
-    size_t info = text.find("[dialog] Transfer Function\n");
-    size_t poles = text.find("[dialog] Zeros and Poles\n");
-    ASSERT_NE(info, std::string::npos) << text;
-    ASSERT_NE(poles, std::string::npos) << text;
-    EXPECT_LT(info, poles);
-    EXPECT_NE(text.find("  static 109 \"20\"\n"), std::string::npos) << text;
-    EXPECT_NE(text.find("  listbox 108: \"(-10,0)\" | \"(-1,0)\" | \"(0,0)\"\n"), std::string::npos) << text;
 }
 
 }

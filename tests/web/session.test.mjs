@@ -119,6 +119,18 @@ test("a design session on the servo loop, in the browser", async () => {
     assert.equal(await page.locator("#diagram-marks").textContent(),
       `${join(root, "examples/servo.json")}: selection ctrl, amp, motor; reference points ctrl.in1, motor.out1`);
 
+    // A click on the amplifier's output port makes it the output point, a second click on
+    // the motor's output port makes that the output point again.
+    const picked = () => page.locator("#diagram g.port.picked").evaluateAll((ports) => ports.map((p) => p.dataset.point));
+    await page.locator("#diagram g.port.picked").first().waitFor();
+    assert.deepEqual(await picked(), ["ctrl.in1", "motor.out1"]);
+    await page.locator('#diagram g.port[data-point="amp.out1"]').click();
+    await settled(page);
+    assert.deepEqual(await picked(), ["ctrl.in1", "amp.out1"]);
+    await page.locator('#diagram g.port[data-point="motor.out1"]').click();
+    await settled(page);
+    assert.deepEqual(await picked(), ["ctrl.in1", "motor.out1"]);
+
     // Transfer Function Info: gain and coefficients, then zeros and poles.
     await runMenuItem(page, "Transfer Function Info");
     let dialog = page.getByRole("dialog", { name: "Transfer Function" });
