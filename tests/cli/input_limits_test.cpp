@@ -44,7 +44,7 @@ TEST(InputLimits, ReadOnlySettingsFileIsLeftAsItIs)
     RunResult run = runPraxa("--settings " + dir.file("tervan.ini") + " " + examplePath("servo.json") + " reuse-plots");
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.out, "[error] Cannot write settings file " + dir.file("tervan.ini") + ": Permission denied\n");
-    EXPECT_EQ(run.err, "praxa: the settings file " + dir.file("tervan.ini") + " could not be written\n");
+    EXPECT_EQ(run.err, "praxa: the settings file " + dir.file("tervan.ini") + " could not be written; give a writable one with --settings\n");
     EXPECT_EQ(readFile(dir.file("tervan.ini")), "[tervan]\nprxReusePlots=0\n");
 }
 
