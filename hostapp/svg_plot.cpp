@@ -9,6 +9,7 @@
 #include <cmath>
 #include <fstream>
 
+#include "hostapp/locus_marks.h"
 #include "hostapp/plot_bounds.h"
 #include "hostapp/svg_text.h"
 
@@ -20,6 +21,10 @@ constexpr double WIDTH = 800, HEIGHT = 500;
 constexpr double AREA_LEFT = 80, AREA_TOP = 50, AREA_RIGHT = 610, AREA_BOTTOM = 440;
 constexpr double LEGEND_X = 625, LEGEND_Y = 60, LEGEND_LINE = 18;
 constexpr int MAX_LEGEND_ENTRIES = 16;
+/* More branches than this are named in one legend line, not one line each. */
+constexpr size_t SHORT_LEGEND_BRANCHES = 8;
+/* The gain whose closed-loop poles a root locus marks: the loop as it stands. */
+constexpr double CURRENT_GAIN = 1.0;
 constexpr int MAX_TICKS = 60;
 /* Pixel coordinates beyond this are not drawn (keeps the numbers in the file sane). */
 constexpr double FAR_AWAY = 1e12;
@@ -141,7 +146,9 @@ std::vector<Tick> ticksOf(const Axis &axis)
         return ticks;
     }
     double step = niceStep(b - a);
-    if (axis.decibels && step < 20.0 && (b - a) / 20.0 <= 8.0 && std::fmod(b - a, 20.0) == 0.0)
+    /* Whole decades only when they give at least three labels: a flat 9.54 dB curve on
+    ** 0 ... 20 dB reads better with steps of 2. */
+    if (axis.decibels && step < 20.0 && (b - a) / 20.0 >= 2.0 && (b - a) / 20.0 <= 8.0 && std::fmod(b - a, 20.0) == 0.0)
         step = 20.0;                    /* whole decades of the ratio */
     double first = std::ceil(a / step - 1e-9), last = std::floor(b / step + 1e-9);
     for (double k = first; k <= last && (int)ticks.size() < MAX_TICKS; k += 1.0)
@@ -230,7 +237,7 @@ struct Legend {
     std::string heading;
     struct Entry {
         std::string colour, label;
-        bool marker = false;            /* a cross marker instead of a line */
+        char marker = 0;                /* instead of a line: 'x' cross, 'o' circle, '*' filled circle */
     };
     std::vector<Entry> entries;
 };
@@ -301,6 +308,8 @@ void drawCross(SvgWriter &svg, double px, double py, const std::string &colour, 
                 "\" stroke-width=\"1.5\" fill=\"none\"/>\n";
 }
 
+void drawCircle(SvgWriter &svg, double px, double py, const std::string &colour, const std::string &cls, bool filled);
+
 void drawLegend(SvgWriter &svg, const Legend &legend)
 {
     if (legend.entries.empty())
@@ -317,8 +326,10 @@ void drawLegend(SvgWriter &svg, const Legend &legend)
     }
     for (size_t i = 0; i < shown; ++i) {
         const Legend::Entry &e = legend.entries[i];
-        if (e.marker)
+        if (e.marker == 'x')
             drawCross(svg, LEGEND_X + 19, y - 4, e.colour, "legend-marker");
+        else if (e.marker)
+            drawCircle(svg, LEGEND_X + 19, y - 4, e.colour, "legend-marker", e.marker == '*');
         else
             svg.line(LEGEND_X + 8, y - 4, LEGEND_X + 30, y - 4, "stroke=\"" + e.colour + "\" stroke-width=\"2\"");
         svg.label(LEGEND_X + 38, y, e.label, "class=\"legend-entry\"");
@@ -328,6 +339,114 @@ void drawLegend(SvgWriter &svg, const Legend &legend)
         svg.label(LEGEND_X + 8, y, "... and " + std::to_string(legend.entries.size() - shown) + " more",
                   "class=\"legend-entry\"");
     svg.text += "</g>\n";
+}
+
+/* Widens [lo, hi] to hold v with some room, then to round bounds. */
+void include(Axis &axis, double v, double room)
+{
+    if (v - room >= axis.lo && v + room <= axis.hi)
+        return;
+    double range[2] = {std::min(axis.lo, v - room), std::max(axis.hi, v + room)};
+    niceBounds(range, false);
+    axis.lo = range[0];
+    axis.hi = range[1];
+}
+
+/* The view of a root locus: the record's range with room for the markers at its edges;
+** when the branches run far beyond the poles, zeros and axis crossings, the region that
+** holds these (the far branches leave the frame toward their asymptotes). */
+void frameLocus(Axis &x, Axis &y, const LocusMarks &marks)
+{
+    double box[4] = {INFINITY, -INFINITY, INFINITY, -INFINITY};
+    for (const auto *list : {&marks.poles, &marks.zeros, &marks.atGain, &marks.axisCrossings})
+        for (const std::complex<double> &p : *list)
+            if (std::isfinite(p.real()) && std::isfinite(p.imag())) {
+                box[0] = std::min(box[0], p.real());
+                box[1] = std::max(box[1], p.real());
+                box[2] = std::min(box[2], p.imag());
+                box[3] = std::max(box[3], p.imag());
+            }
+    double width = x.hi - x.lo, height = y.hi - y.lo;
+    if (box[0] <= box[1]) {
+        double span = std::max(box[1] - box[0], box[3] - box[2]);
+        double room = span > 0 ? 0.35 * span : std::max(1.0, 0.35 * std::fabs(box[0]));
+        double xr[2] = {box[0] - room, box[1] + room}, yr[2] = {box[2] - room, box[3] + room};
+        if (width > 3.0 * (xr[1] - xr[0]) || height > 3.0 * (yr[1] - yr[0])) {
+            niceBounds(xr, false);
+            niceBounds(yr, false);
+            x.lo = xr[0], x.hi = xr[1], y.lo = yr[0], y.hi = yr[1];
+            return;
+        }
+    }
+    x.lo -= 0.05 * width;
+    x.hi += 0.05 * width;
+    y.lo -= 0.05 * height;
+    y.hi += 0.05 * height;
+}
+
+void drawCircle(SvgWriter &svg, double px, double py, const std::string &colour, const std::string &cls, bool filled)
+{
+    svg.text += "<circle class=\"" + cls + "\" cx=\"" + number(px) + "\" cy=\"" + number(py) + "\" r=\"4.5\" fill=\"" +
+                (filled ? colour : "#ffffff") + "\" stroke=\"" + colour + "\" stroke-width=\"1.5\"/>\n";
+}
+
+/* Arrows along a curve in the order of its points (increasing frequency): one at the
+** middle of each piece that is drawn without a break. */
+void drawDirectionArrows(SvgWriter &svg, const std::vector<Pixel> &points, const std::string &colour)
+{
+    size_t start = 0;
+    while (start < points.size()) {
+        size_t end = start;
+        while (end < points.size() && points[end].valid() && inside(points[end].x, points[end].y))
+            ++end;
+        double length = 0;
+        for (size_t i = start + 1; i < end; ++i)
+            length += std::hypot(points[i].x - points[i - 1].x, points[i].y - points[i - 1].y);
+        /* Three arrows on a long piece: a closed Nyquist curve is one piece, and each of
+        ** its branches (positive, negative frequencies, the arcs) should show its way. */
+        int arrows = length > 300 ? 3 : length > 30 ? 1 : 0;
+        double walked = 0;
+        for (size_t i = start + 1, k = 1; i < end && arrows > 0 && (int)k <= arrows; ++i) {
+            double dx = points[i].x - points[i - 1].x, dy = points[i].y - points[i - 1].y, d = std::hypot(dx, dy);
+            walked += d;
+            if (walked < length * (2.0 * k - 1) / (2.0 * arrows) || d == 0)
+                continue;
+            ++k;
+            double ux = dx / d, uy = dy / d, tx = points[i].x, ty = points[i].y, bx = tx - 9 * ux, by = ty - 9 * uy;
+            svg.text += "<path class=\"direction-arrow\" d=\"M" + number(tx) + "," + number(ty) + " L" +
+                        number(bx - 4 * uy) + "," + number(by + 4 * ux) + " L" + number(bx + 4 * uy) + "," +
+                        number(by - 4 * ux) + " Z\" fill=\"" + colour + "\" stroke=\"none\"/>\n";
+        }
+        start = end + 1;
+    }
+}
+
+/* Where a frequency curve crosses the level (in scaled units), with the frequencies. */
+void drawCrossings(SvgWriter &svg, const Axis &x, const Axis &y, const PlotSeries &s, double level,
+                   const std::string &what)
+{
+    double py = y.pixelOfScaled(level);
+    if (!std::isfinite(py) || py < AREA_TOP || py > AREA_BOTTOM)
+        return;
+    svg.line(AREA_LEFT, py, AREA_RIGHT, py, "class=\"crossover-line\" stroke=\"#808080\" stroke-dasharray=\"5 4\"");
+    int shown = 0;
+    for (size_t i = 1; i < s.y.size() && shown < 6; ++i) {
+        double a = y.scaled(s.y[i - 1]), b = y.scaled(s.y[i]);
+        if (!std::isfinite(a) || !std::isfinite(b) || (a - level) * (b - level) > 0 || a == b || a == level)
+            continue;
+        double t = (level - a) / (b - a);
+        double sx0 = x.scaled(s.x[i - 1]), sx1 = x.scaled(s.x[i]);
+        double sx = sx0 + t * (sx1 - sx0);
+        double frequency = x.logarithmic ? std::pow(10.0, sx) : sx;
+        double px = x.pixelOfScaled(sx);
+        if (!std::isfinite(px))
+            continue;
+        svg.text += "<circle class=\"crossover\" cx=\"" + number(px) + "\" cy=\"" + number(py) +
+                    "\" r=\"4\" fill=\"#ffffff\" stroke=\"#000000\" stroke-width=\"1.5\"/>\n";
+        svg.label(px + 6, py + (shown % 2 ? 16 : -7), what + " at " + number(frequency, "%.3g"),
+                  "class=\"crossover-label\" font-size=\"11\"");
+        ++shown;
+    }
 }
 
 std::string traceLabel(const PlotSeries &s)
@@ -371,6 +490,18 @@ std::string renderPlotSvg(const PlotView &view)
     }
     chooseRange(x, r.xMin, r.xMax, xs);
     chooseRange(y, r.yMin, r.yMax, ys);
+    LocusMarks marks;
+    if (kind == PlotKind::Nyquist) {
+        /* Encirclements of -1 are what the plot is read for: it is always in view. */
+        include(x, -1.0, 0.15 * std::max(1.0, x.hi - x.lo));
+        include(y, 0.0, 0.05 * std::max(1.0, y.hi - y.lo));
+    } else if (kind == PlotKind::RootLocus) {
+        std::vector<double> gains;
+        if (r.paramInfo && r.paramInfo->parameters && r.pointCount <= (uint32_t)INT32_MAX)
+            gains.assign(r.paramInfo->parameters, r.paramInfo->parameters + r.pointCount);
+        marks = locusMarks(curves, gains, r.paramInfo ? r.paramInfo->zeroCount : 0, CURRENT_GAIN);
+        frameLocus(x, y, marks);
+    }
 
     SvgWriter svg;
     svg.text += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
@@ -410,12 +541,11 @@ std::string renderPlotSvg(const PlotView &view)
             svg.text += "<circle cx=\"" + number(p.x) + "\" cy=\"" + number(p.y) + "\" r=\"2\" fill=\"" + colour +
                         "\" stroke=\"none\"/>\n";
         if (kind == PlotKind::RootLocus) {
-            legend.entries.push_back({colour, "Branch " + std::to_string(s.trace + 1)});
-            auto start = std::find_if(pixels.begin(), pixels.end(), [](const Pixel &p) { return p.valid(); });
-            if (start != pixels.end() && inside(start->x, start->y))
-                drawCross(svg, start->x, start->y, colour, "branch-start");
+            if (curves.size() <= SHORT_LEGEND_BRANCHES)
+                legend.entries.push_back({colour, "Branch " + std::to_string(s.trace + 1)});
         } else if (kind == PlotKind::Nyquist) {
             legend.entries.push_back({colour, "Response"});
+            drawDirectionArrows(svg, pixels, colour);
         } else {
             legend.entries.push_back({colour, traceLabel(s)});
         }
@@ -431,19 +561,50 @@ std::string renderPlotSvg(const PlotView &view)
     if (kind == PlotKind::Nyquist) {
         double px = x.pixel(-1.0), py = y.pixel(0.0);
         if (std::isfinite(px) && std::isfinite(py) && inside(px, py)) {
-            drawCross(svg, px, py, "#000000", "critical-point");
-            legend.entries.push_back({"#000000", "Critical point -1", true});
+            drawCross(svg, px, py, "#d00000", "critical-point");
+            svg.label(px - 6, py + 16, "-1", "class=\"critical-label\" text-anchor=\"end\" font-weight=\"bold\" fill=\"#d00000\"");
+            legend.entries.push_back({"#d00000", "Critical point -1", 'x'});
+        }
+    }
+    if (kind == PlotKind::Frequency && !curves.empty()) {
+        if (y.decibels || y.logarithmic)
+            drawCrossings(svg, x, y, curves[0], 0.0, "0 dB");
+        else if (yLabel.rfind("Phase", 0) == 0) {
+            /* -180 degrees (or -pi) and every full turn from it that is in view. */
+            double halfTurn = yLabel.find("Rad") != std::string::npos ? M_PI : 180.0;
+            for (double level = -halfTurn + 2 * halfTurn * std::ceil((y.lo + halfTurn) / (2 * halfTurn));
+                 level <= y.hi && level < y.lo + 40 * halfTurn; level += 2 * halfTurn)
+                drawCrossings(svg, x, y, curves[0], level, number(level, "%g") + (halfTurn == 180.0 ? " deg" : " rad"));
         }
     }
     if (kind == PlotKind::RootLocus) {
         /* In a root locus trace 1's label names the curves: the closed loop poles. */
         std::string curvesName = recordText(r.traces[1].label, sizeof r.traces[1].label);
         legend.heading = curvesName;
-        std::string start = "Branch start";
-        if (r.paramInfo && r.paramInfo->parameters && !curves.empty() && std::isfinite(r.paramInfo->parameters[0]))
-            start += " (K = " + number(r.paramInfo->parameters[0], "%g") + ")";
-        if (!curves.empty())
-            legend.entries.insert(legend.entries.begin(), {"#000000", start, true});
+        auto mark = [&](const std::vector<std::complex<double>> &points, char shape, const char *cls) {
+            for (const std::complex<double> &p : points) {
+                double px = x.pixel(p.real()), py = y.pixel(p.imag());
+                if (!std::isfinite(px) || !std::isfinite(py) || !inside(px, py))
+                    continue;
+                if (shape == 'x')
+                    drawCross(svg, px, py, "#000000", cls);
+                else
+                    drawCircle(svg, px, py, shape == '*' ? "#d00000" : "#000000", cls, shape == '*');
+            }
+        };
+        mark(marks.atGain, '*', "closed-loop-pole");
+        mark(marks.zeros, 'o', "open-loop-zero");
+        mark(marks.poles, 'x', "open-loop-pole");
+        std::vector<Legend::Entry> keys;
+        if (!marks.poles.empty())
+            keys.push_back({"#000000", "Open-loop poles", 'x'});
+        if (!marks.zeros.empty())
+            keys.push_back({"#000000", "Open-loop zeros", 'o'});
+        if (!marks.atGain.empty())
+            keys.push_back({"#d00000", "Closed loop, K = " + number(CURRENT_GAIN, "%g"), '*'});
+        if (curves.size() > SHORT_LEGEND_BRANCHES)
+            keys.push_back({PALETTE[0], std::to_string(curves.size()) + " branches"});
+        legend.entries.insert(legend.entries.begin(), keys.begin(), keys.end());
     }
     drawLegend(svg, legend);
     svg.text += "</svg>\n";

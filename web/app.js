@@ -188,6 +188,9 @@ function apply(state) {
   if (!pictureLoaded) loadDiagramPicture();
   markDiagram(state.diagram);
   renderPlots(state.plots);
+  // The report panel shows only when this build of praxa makes the report.
+  $("report-panel").hidden = state.report === undefined;
+  document.querySelector("main").classList.toggle("no-report", state.report === undefined);
   if (state.report !== undefined) $("report").textContent = state.report;
   $("log").textContent = state.log.join("\n");
   document.body.dataset.sequence = state.sequence;

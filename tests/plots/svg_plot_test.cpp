@@ -162,10 +162,10 @@ TEST_F(SvgPlotTest, NyquistDrawsRealAgainstImaginary)
     auto paths = traces();
     ASSERT_EQ(paths.size(), 1u);
     EXPECT_EQ(vertices(paths[0].attribute("d").value()).size(), 39u);
-    /* Bounds: real 0.0384 ... 1 -> 0 ... 1, imaginary -0.5 ... 0: -1 is outside. */
-    EXPECT_EQ(doc.select_nodes("//*[@class='critical-point']").size(), 0u);
+    /* Bounds: real 0.0384 ... 1 -> 0 ... 1, widened to hold -1 with room. */
+    EXPECT_EQ(doc.select_nodes("//*[@class='critical-point']").size(), 1u);
     /* Log flags are off: tick labels are plain steps. */
-    EXPECT_EQ(textsOfClass(doc, "x-tick").front(), "0.0");
+    EXPECT_EQ(textsOfClass(doc, "x-tick").front(), "-1.5");
     EXPECT_EQ(textsOfClass(doc, "x-tick").back(), "1.0");
 }
 

@@ -88,7 +88,7 @@ TEST_F(RootTracking, TrackedLocusEqualsTheSolvedLocusPointForPoint)
     const LoopCase loops[] = {
         {"K/(s(s+1)(s+2)), break-away", {1}, {0, 2, 3}, 0.0, true, {300, 0.0, 100.0}},
         {"K/(s(s+1)(s+2)), manual", {1}, {0, 2, 3}, 0.0, false, {200, 0.0, 20.0}},
-        {"(s+3)/(s(s+1)(s+2)(s+4)), break-away and break-in", {3, 1}, {0, 8, 14, 7}, 0.0, true, {30, 0.0, 1.0}},
+        {"(s+3)/(s(s+1)(s+2)(s+4)), a branch to the zero", {3, 1}, {0, 8, 14, 7}, 0.0, false, {400, 0.0, 80.0}},
         {"(s+3)/(s(s+1)(s+2)(s+4)), coarse steps", {3, 1}, {0, 8, 14, 7}, 0.0, false, {6, 0.0, 40.0}},
         {"(s+1)/((s^2+2s+5)(s+3)(s+6)), complex poles", {1, 1}, {90, 63, 35, 11}, 0.0, false, {300, 0.0, 500.0}},
         {"(s-1)/(s(s+2)(s+5)), into the right half-plane", {-1, 1}, {0, 10, 7}, 0.0, false, {250, 0.0, 40.0}},

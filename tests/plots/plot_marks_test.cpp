@@ -1,0 +1,166 @@
+/*
+** What a person reads a plot for, drawn on it: -1 always in a Nyquist plot, the way the
+** curve runs, the poles, zeros and closed-loop poles of a root locus in a frame that
+** holds them, the crossovers of a Bode plot, tick labels on a flat curve.
+*/
+#include <pugixml.hpp>
+
+#include <regex>
+
+#include "plot_fixture.h"
+#include "support.h"
+
+namespace {
+
+using testing_support::RunResult;
+using testing_support::TempDir;
+
+constexpr double FRAME_LEFT = 80, FRAME_RIGHT = 610, FRAME_TOP = 50, FRAME_BOTTOM = 440;
+
+/* A diagram of one transfer function block, input and output at its ports. */
+std::string loopDiagram(const std::string &num, const std::string &den)
+{
+    return R"({"blocks": [{"id": "u", "type": "constant", "value": 0},
+        {"id": "g", "type": "transferFunction", "num": )" + num + R"(, "den": )" + den + R"(}],
+        "wires": [["u", "g"]], "selection": ["g"], "input": "g.in", "output": "g.out"})";
+}
+
+/* Runs one command on a diagram text and parses the plot file it names. */
+void runPlot(const std::string &diagram, const std::string &command, const std::string &file, pugi::xml_document &doc)
+{
+    TempDir dir;
+    testing_support::writeFile(dir.file("loop.json"), diagram);
+    RunResult run = testing_support::runPraxa("--settings " + dir.file("tervan.ini") + " --out " + dir.path + " " +
+                                              dir.file("loop.json") + " " + command);
+    ASSERT_EQ(run.status, 0) << run.err;
+    ASSERT_NE(run.out.find("[plot] " + file + "\n"), std::string::npos) << run.out;
+    ASSERT_TRUE(doc.load_string(testing_support::readFile(dir.file(file)).c_str()));
+}
+
+struct Marker {
+    double x, y;
+};
+
+/* Centres of the markers of a class: circles by cx, cy; crosses by their path's middle. */
+std::vector<Marker> markers(const pugi::xml_document &doc, const char *cls)
+{
+    std::vector<Marker> found;
+    std::string query = std::string("//*[@class='") + cls + "']";
+    for (const auto &n : doc.select_nodes(query.c_str())) {
+        pugi::xml_node node = n.node();
+        if (std::string(node.name()) == "circle") {
+            found.push_back({node.attribute("cx").as_double(), node.attribute("cy").as_double()});
+            continue;
+        }
+        std::smatch m;
+        std::string d = node.attribute("d").value();
+        std::regex first("M(-?[0-9.]+),(-?[0-9.]+) L(-?[0-9.]+),(-?[0-9.]+)");
+        if (std::regex_search(d, m, first))
+            found.push_back({(std::stod(m[1]) + std::stod(m[3])) / 2, (std::stod(m[2]) + std::stod(m[4])) / 2});
+    }
+    return found;
+}
+
+std::vector<std::string> texts(const pugi::xml_document &doc, const char *cls)
+{
+    std::vector<std::string> all;
+    std::string query = std::string("//*[@class='") + cls + "']";
+    for (const auto &n : doc.select_nodes(query.c_str()))
+        all.push_back(n.node().child_value());
+    return all;
+}
+
+TEST(PlotMarks, NyquistAlwaysShowsTheCriticalPointAndTheDirection)
+{
+    /* Curves whose own extent leaves -1 out: the inverted pendulum (real -0.1 ... 0) and
+    ** a biproper loop (real 1 ... 2). */
+    const struct {
+        std::string diagram;
+    } cases[] = {
+        {testing_support::readFile(testing_support::examplePath("pendulum_inverted.json"))},
+        {loopDiagram("[1, 2]", "[1, 1]")},
+    };
+    for (const auto &c : cases) {
+        pugi::xml_document doc;
+        runPlot(c.diagram, "nyquist", "Nyquist.svg", doc);
+        std::vector<Marker> critical = markers(doc, "critical-point");
+        ASSERT_EQ(critical.size(), 1u);
+        EXPECT_GT(critical[0].x, FRAME_LEFT);
+        EXPECT_LT(critical[0].x, FRAME_RIGHT);
+        EXPECT_EQ(texts(doc, "critical-label"), std::vector<std::string>{"-1"});
+        EXPECT_GE(doc.select_nodes("//*[@class='direction-arrow']").size(), 1u);
+    }
+}
+
+TEST(PlotMarks, RootLocusFramesPolesZerosAndClosedLoopPoles)
+{
+    pugi::xml_document doc;
+    /* 20/(s(s+1)(s+10)): its automatic range runs far out; the view holds the poles in
+    ** its middle, spread over a good part of the width. */
+    runPlot(loopDiagram("[20]", "[1, 11, 10, 0]"), "rlocus", "Root-Locus.svg", doc);
+    std::vector<Marker> poles = markers(doc, "open-loop-pole");
+    ASSERT_EQ(poles.size(), 3u);
+    double left = FRAME_RIGHT, right = FRAME_LEFT;
+    for (const Marker &p : poles) {
+        EXPECT_GT(p.x, FRAME_LEFT + 0.1 * (FRAME_RIGHT - FRAME_LEFT));
+        EXPECT_LT(p.x, FRAME_RIGHT - 0.1 * (FRAME_RIGHT - FRAME_LEFT));
+        EXPECT_GT(p.y, FRAME_TOP + 0.25 * (FRAME_BOTTOM - FRAME_TOP));
+        EXPECT_LT(p.y, FRAME_BOTTOM - 0.25 * (FRAME_BOTTOM - FRAME_TOP));
+        left = std::min(left, p.x);
+        right = std::max(right, p.x);
+    }
+    EXPECT_GT(right - left, 0.4 * (FRAME_RIGHT - FRAME_LEFT));
+    /* The closed-loop poles at K = 1: roots of s^3 + 11 s^2 + 10 s + 20, -10.2126 and
+    ** -0.39371 +- 1.34289 j, placed as the poles 0 and -10 scale the axis. */
+    std::vector<Marker> closed = markers(doc, "closed-loop-pole");
+    ASSERT_EQ(closed.size(), 3u);
+    std::sort(poles.begin(), poles.end(), [](const Marker &a, const Marker &b) { return a.x < b.x; });
+    std::sort(closed.begin(), closed.end(), [](const Marker &a, const Marker &b) { return a.x < b.x; });
+    double perUnit = (poles[2].x - poles[0].x) / 10.0;
+    EXPECT_NEAR(closed[0].x, poles[2].x - 10.2126 * perUnit, 0.5);
+    EXPECT_NEAR(closed[1].x, poles[2].x - 0.39371 * perUnit, 0.5);
+    /* The y axis has its own scale: from two of its tick labels. */
+    std::vector<std::pair<double, double>> yTicks;
+    for (const auto &n : doc.select_nodes("//*[@class='y-tick']"))
+        yTicks.push_back({n.node().attribute("y").as_double(), std::stod(n.node().child_value())});
+    ASSERT_GE(yTicks.size(), 2u);
+    double yPerUnit = (yTicks[0].first - yTicks[1].first) / (yTicks[1].second - yTicks[0].second);
+    EXPECT_NEAR(std::fabs(closed[1].y - closed[2].y), 2 * 1.34289 * yPerUnit, 0.5);
+    EXPECT_NEAR(closed[1].y + closed[2].y, 2 * poles[0].y, 0.5);
+    EXPECT_TRUE(markers(doc, "open-loop-zero").empty());
+
+    /* (s+2)/(s(s+1)(s+3)): one zero, at -2 between the poles -1 and -3. */
+    runPlot(loopDiagram("[1, 2]", "[1, 4, 3, 0]"), "rlocus", "Root-Locus.svg", doc);
+    poles = markers(doc, "open-loop-pole");
+    std::vector<Marker> zeros = markers(doc, "open-loop-zero");
+    ASSERT_EQ(poles.size(), 3u);
+    ASSERT_EQ(zeros.size(), 1u);
+    std::sort(poles.begin(), poles.end(), [](const Marker &a, const Marker &b) { return a.x < b.x; });
+    EXPECT_NEAR(zeros[0].x, (poles[0].x + poles[1].x) / 2, 0.5);
+    EXPECT_NEAR(zeros[0].y, poles[0].y, 0.5);
+}
+
+TEST(PlotMarks, BodeMarksItsCrossoversFromTheCurves)
+{
+    pugi::xml_document doc;
+    /* 20/(s(s+1)(s+10)) reaches -180 degrees at sqrt(10) rad/s. */
+    runPlot(loopDiagram("[20]", "[1, 11, 10, 0]"), "bode", "Bode-Phase.svg", doc);
+    EXPECT_EQ(texts(doc, "crossover-label"), std::vector<std::string>{"-180 deg at 3.16"});
+    /* |L| = 1 where w^2 (w^2 + 1)(w^2 + 100) = 400: w = 1.244. */
+    runPlot(loopDiagram("[20]", "[1, 11, 10, 0]"), "bode", "Bode-Magnitude.svg", doc);
+    EXPECT_EQ(texts(doc, "crossover-label"), std::vector<std::string>{"0 dB at 1.24"});
+}
+
+class FlatCurveTicks : public PlotTest {};
+
+TEST_F(FlatCurveTicks, AFlatDecibelCurveGetsSeveralLabels)
+{
+    magnitudeUnit.selected = MAGNITUDE_UNIT_DECIBELS;
+    finishPlot(frequencyPlot("Bode-Magnitude", std::vector<double>(20, 3.0)), 1, 1, 0xFF);
+    pugi::xml_document doc;
+    ASSERT_TRUE(doc.load_string(readFile("Bode-Magnitude.svg").c_str()));
+    std::vector<std::string> ticks = texts(doc, "y-tick");
+    EXPECT_GE(ticks.size(), 4u) << "9.54 dB between too few labels";
+}
+
+}
