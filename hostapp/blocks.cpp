@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "hostapp/engine.h"
+#include "hostapp/expression_block.h"
 
 namespace hostapp {
 
@@ -29,9 +30,22 @@ const BlockTypeInfo blockTypes[] = {
     {"sin", 31},
     {"cos", 32},
     {"abs", 33},
+    {"divide", 34},
+    {"exp", 35},
+    {"sqrt", 36},
+    {"power", 37},
+    {"tanh", 38},
+    {"atan2", 39},
+    {"deadZone", 42},
+    {"lookup", 43},
+    {"min", 44},
+    {"max", 45},
+    {"switch", 46},
+    {"expression", 47},
     {"integrator", BLOCK_KIND_STATE_A},
     {"transferFunction", BLOCK_KIND_STATE_B},
     {"stateSpace", BLOCK_KIND_STATE_C},
+    {"compensator", BLOCK_KIND_STATE_B},
     {"discreteTransferFunction", BLOCK_KIND_SAMPLED_A},
     {"discreteStateSpace", BLOCK_KIND_SAMPLED_B},
     {"unitDelay", BLOCK_KIND_UNIT_DELAY},
@@ -56,6 +70,28 @@ void writeOutput(Block &block, double value)
 double input(const Block &block, int index)
 {
     return *block.inputSignal(index)->slot();
+}
+
+/* Linear interpolation in the table; the end values are held beyond its ends. */
+double lookup(const Block &block, double u)
+{
+    const std::vector<double> &x = block.tableX, &y = block.tableY;
+    if (u <= x.front())
+        return y.front();
+    if (u >= x.back())
+        return y.back();
+    size_t k = (size_t)(std::upper_bound(x.begin(), x.end(), u) - x.begin());
+    double t = (u - x[k - 1]) / (x[k] - x[k - 1]);
+    return y[k - 1] + t * (y[k] - y[k - 1]);
+}
+
+double deadZone(const Block &block, double u)
+{
+    if (u > block.upper)
+        return u - block.upper;
+    if (u < block.lower)
+        return u - block.lower;
+    return 0.0;
 }
 
 double linearOutput(const Block &block)
@@ -110,6 +146,7 @@ bool hasFeedthrough(const Block &block)
     case BlockType::Integrator:
     case BlockType::TransferFunction:
     case BlockType::StateSpace:
+    case BlockType::Compensator:
     case BlockType::DiscreteTransferFunction:
     case BlockType::DiscreteStateSpace:
         return block.linear.d != 0.0;
@@ -156,9 +193,51 @@ void evaluateOutput(Block &block, double time)
     case BlockType::Abs:
         writeOutput(block, std::fabs(input(block, 0)));
         break;
+    case BlockType::Divide:
+        writeOutput(block, input(block, 0) / input(block, 1));
+        break;
+    case BlockType::Exp:
+        writeOutput(block, std::exp(input(block, 0)));
+        break;
+    case BlockType::Sqrt:
+        writeOutput(block, std::sqrt(input(block, 0)));
+        break;
+    case BlockType::Power:
+        writeOutput(block, std::pow(input(block, 0), block.exponent));
+        break;
+    case BlockType::Tanh:
+        writeOutput(block, std::tanh(input(block, 0)));
+        break;
+    case BlockType::Atan2:
+        writeOutput(block, std::atan2(input(block, 0), input(block, 1)));
+        break;
+    case BlockType::DeadZone:
+        writeOutput(block, deadZone(block, input(block, 0)));
+        break;
+    case BlockType::Lookup:
+        writeOutput(block, lookup(block, input(block, 0)));
+        break;
+    case BlockType::Min:
+    case BlockType::Max: {
+        double extreme = input(block, 0);
+        for (size_t i = 1; i < block.inputs.size(); ++i)
+            extreme = block.type == BlockType::Min ? std::fmin(extreme, input(block, (int)i))
+                                                   : std::fmax(extreme, input(block, (int)i));
+        writeOutput(block, extreme);
+        break;
+    }
+    case BlockType::Switch:
+        writeOutput(block, input(block, 1) >= block.threshold ? input(block, 0) : input(block, 2));
+        break;
+    case BlockType::Expression:
+        for (size_t i = 0; i < block.inputs.size(); ++i)
+            block.inputValues[i] = input(block, (int)i);
+        writeOutput(block, evaluateExpression(*block.expression, block.inputValues.data()));
+        break;
     case BlockType::Integrator:
     case BlockType::TransferFunction:
     case BlockType::StateSpace:
+    case BlockType::Compensator:
     case BlockType::DiscreteTransferFunction:
     case BlockType::DiscreteStateSpace:
         writeOutput(block, linearOutput(block));
@@ -178,6 +257,7 @@ void evaluateNext(Block &block)
     case BlockType::Integrator:
     case BlockType::TransferFunction:
     case BlockType::StateSpace:
+    case BlockType::Compensator:
     case BlockType::DiscreteTransferFunction:
     case BlockType::DiscreteStateSpace: {
         const LinearSystem &sys = block.linear;

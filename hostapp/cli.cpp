@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "hostapp/command_table.h"
+#include "hostapp/compensator_block.h"
 #include "hostapp/diagram.h"
 #include "hostapp/diagram_picture.h"
 #include "hostapp/host_state.h"
@@ -34,13 +35,16 @@ const char *const USAGE =
     "\n"
     "Runs a Praxa menu command on a Tervan diagram file and prints the dialogs and\n"
     "messages it shows; result files and plots (SVG) are written into the output folder.\n"
+    "The options below may stand anywhere, before or after the diagram and the command.\n"
+    "The diagram file's format and its block types are described in examples/README.md.\n"
     "\n"
     "Options:\n"
     "  --settings FILE       settings file (default: $XDG_CONFIG_HOME/praxa/tervan.ini)\n"
     "  --out DIR             folder for result files and plots (default: .)\n"
     "  --script FILE         run the commands and dialog actions of a script file\n"
-    "  --input BLOCK.PORT    pick the input reference point\n"
-    "  --output BLOCK.PORT   pick the output reference point\n"
+    "  --input BLOCK.PORT    pick the input reference point: a signal computed outside the\n"
+    "                        selection and read by a selected block\n"
+    "  --output BLOCK.PORT   pick the output reference point: a signal a selected block computes\n"
     "  --plugin FILE         the plug-in library (default: libpraxa.so beside praxa)\n"
     "  --host-version N      host version times ten (default 230)\n"
     "  --host-revision N     host revision character code (default 0)\n"
@@ -52,13 +56,19 @@ const char *const SCRIPT_HELP =
     "\n"
     "Dialog actions, for any command (also as indented lines under a command in a script):\n"
     "  --type ID=TEXT  --click ID  --check ID  --uncheck ID  --select ID=INDEX  --focus ID  --cancel\n"
-    "A dialog with no action left is accepted with its default button.\n"
+    "A dialog with no action left is accepted with its default button. Values given as\n"
+    "command options are checked before they are typed (a number must be finite).\n"
     "Script lines: a command with its options; indented lines below it: dialog actions\n"
     "(type ID TEXT, click ID, check ID, uncheck ID, select ID INDEX, focus ID, cancel);\n"
     "'input BLOCK.PORT' and 'output BLOCK.PORT' pick reference points; '#' starts a comment.\n"
     "\n"
+    "The settings file is written by frequency-range, rlocus-options and preferences when\n"
+    "their dialog ends with OK (add --cancel to look without saving) and by reuse-plots;\n"
+    "the other commands only read it.\n"
+    "\n"
     "Exit status: 0 when the commands ran; 1 when a dialog refused its entries or the\n"
-    "settings file could not be written; 2 when the diagram, script or options are unusable.\n";
+    "settings file or a saved design could not be written; 2 when the diagram, script or\n"
+    "options are unusable.\n";
 
 enum ExitStatus { EXIT_RAN = 0, EXIT_REFUSED = 1, EXIT_UNUSABLE = 2 };
 
@@ -67,6 +77,7 @@ struct SessionStep {
     CommandRun run;
     std::string pointClick;     /* BLOCK.PORT, when this step is a click */
     std::string where;          /* "script.txt:12" or "command line", for messages */
+    bool pickInput = false;     /* the click picks the input (else the output) */
 };
 
 struct Session {
@@ -145,7 +156,7 @@ bool splitWords(const std::string &line, std::vector<std::string> &words, std::s
         }
     }
     if (quoted) {
-        error = "unterminated quote";
+        error = "unterminated quote; close it with a second \"";
         return false;
     }
     if (inWord)
@@ -159,10 +170,11 @@ bool parseCommandWords(const std::vector<std::string> &words, const std::string 
     step.where = where;
     if (words[0] == "input" || words[0] == "output") {
         if (words.size() != 2) {
-            error = words[0] + " takes one BLOCK.PORT";
+            error = words[0] + " takes one point BLOCK.PORT, such as ctrl.in";
             return false;
         }
         step.pointClick = words[1];
+        step.pickInput = words[0] == "input";
         return true;
     }
     const CommandSpec *command = findCommand(words[0]);
@@ -171,7 +183,7 @@ bool parseCommandWords(const std::vector<std::string> &words, const std::string 
         return false;
     }
     if (!command->available) {
-        error = "the '" + words[0] + "' command is not available in this build";
+        error = "the '" + words[0] + "' command is not available in this build (praxa --help lists the ones that are)";
         return false;
     }
     return parseCommandOptions(*command, std::vector<std::string>(words.begin() + 1, words.end()), step.run, error);
@@ -201,7 +213,7 @@ bool readScript(Session &session, std::string &error)
         bool indented = line[0] == ' ' || line[0] == '\t';
         if (indented) {
             if (session.steps.empty() || !session.steps.back().run.command) {
-                error = where + ": a dialog action must follow a command";
+                error = where + ": a dialog action must follow a command; put the command on an unindented line above it";
                 return false;
             }
             platform::DialogAction action;
@@ -222,78 +234,104 @@ bool readScript(Session &session, std::string &error)
     return true;
 }
 
-/* Parses the command line into a session; returns -1 to go on, else an exit status. */
+/* Sets a session option from its value; -1 when taken, else an exit status. */
+int applySessionOption(const std::string &option, const std::string &value, Session &session,
+                       std::vector<std::string> &inputs, std::vector<std::string> &outputs)
+{
+    if (option == "--settings")
+        session.settingsPath = value;
+    else if (option == "--out")
+        session.outputDir = value;
+    else if (option == "--script")
+        session.scriptPath = value;
+    else if (option == "--plugin")
+        session.pluginPath = value;
+    else if (option == "--input")
+        inputs.push_back(value);
+    else if (option == "--output")
+        outputs.push_back(value);
+    else if (option == "--host-version") {
+        if (!parseInteger(value, 0, 65535, session.hostVersion))
+            return unusable("--host-version takes a whole number from 0 to 65535, not '" + value + "'");
+    } else if (option == "--host-revision") {
+        if (!parseInteger(value, -128, 255, session.hostRevision))
+            return unusable("--host-revision takes a character code from -128 to 255, not '" + value + "'");
+    }
+    return -1;
+}
+
+bool isSessionOption(const std::string &word)
+{
+    static const char *const options[] = {"--settings", "--out", "--script", "--plugin", "--input",
+                                          "--output", "--host-version", "--host-revision"};
+    for (const char *option : options)
+        if (word == option)
+            return true;
+    return false;
+}
+
+/* Parses the command line into a session; returns -1 to go on, else an exit status.
+** Session options may stand anywhere, before or after the diagram and the command (no
+** command option is spelt like one); the words after the command are its options. */
 int parseArguments(int argc, char **argv, Session &session)
 {
     std::vector<std::string> args(argv + 1, argv + argc);
-    std::vector<std::string> inputs, outputs;
-    size_t i = 0;
-    for (; i < args.size() && args[i].rfind("--", 0) == 0; ++i) {
-        const std::string &option = args[i];
-        if (option == "--help") {
+    std::vector<std::string> inputs, outputs, positional, commandWords;
+    for (size_t i = 0; i < args.size(); ++i) {
+        const std::string &word = args[i];
+        if (word == "--help") {
             std::fputs(USAGE, stdout);
             std::fputs(commandHelp().c_str(), stdout);
             std::fputs(SCRIPT_HELP, stdout);
             return EXIT_RAN;
         }
-        if (i + 1 >= args.size())
-            return unusable("option " + option + " needs a value (see praxa --help)");
-        const std::string &value = args[++i];
-        if (option == "--settings")
-            session.settingsPath = value;
-        else if (option == "--out")
-            session.outputDir = value;
-        else if (option == "--script")
-            session.scriptPath = value;
-        else if (option == "--plugin")
-            session.pluginPath = value;
-        else if (option == "--input")
-            inputs.push_back(value);
-        else if (option == "--output")
-            outputs.push_back(value);
-        else if (option == "--host-version") {
-            if (!parseInteger(value, 0, 65535, session.hostVersion))
-                return unusable("--host-version takes a whole number from 0 to 65535, not '" + value + "'");
-        } else if (option == "--host-revision") {
-            if (!parseInteger(value, -128, 255, session.hostRevision))
-                return unusable("--host-revision takes a character code from -128 to 255, not '" + value + "'");
+        if (isSessionOption(word)) {
+            if (i + 1 >= args.size())
+                return unusable("option " + word + " needs a value (see praxa --help)");
+            if (int status = applySessionOption(word, args[++i], session, inputs, outputs); status >= 0)
+                return status;
+        } else if (!commandWords.empty()) {
+            commandWords.push_back(word);
+        } else if (word.rfind("--", 0) == 0) {
+            return unusable("unknown option " + word + " (see praxa --help)");
+        } else if (positional.empty() && ((!findCommand(word) && word != "serve") || isFile(word))) {
+            positional.push_back(word);     /* the diagram */
         } else {
-            return unusable("unknown option " + option + " (see praxa --help)");
+            commandWords.push_back(word);
         }
     }
-    /* The first word is the diagram unless it names a command and no such file exists. */
-    if (i < args.size() && ((!findCommand(args[i]) && args[i] != "serve") || isFile(args[i]))) {
-        if (i + 1 == args.size() && session.scriptPath.empty() && !isFile(args[i]))
-            return unusable("unknown command '" + args[i] + "' (see praxa --help)");
-        session.diagramPath = args[i++];
-    }
+    if (!positional.empty())
+        session.diagramPath = positional.front();
 
     for (const std::string &point : outputs)
-        session.steps.push_back({CommandRun{}, point, "--output"});
+        session.steps.push_back({CommandRun{}, point, "--output " + point, false});
     for (const std::string &point : inputs)
-        session.steps.push_back({CommandRun{}, point, "--input"});
+        session.steps.push_back({CommandRun{}, point, "--input " + point, true});
 
     std::string error;
-    if (i < args.size() && args[i] == "serve") {
+    if (!commandWords.empty() && commandWords[0] == "serve") {
         session.serve = true;
         if (!session.scriptPath.empty())
             return unusable("give either --script or serve, not both");
-        if (i + 1 < args.size() && !(args.size() == i + 3 && args[i + 1] == "--port" &&
-                                     parseInteger(args[i + 2], 0, 65535, session.port)))
+        if (commandWords.size() > 1 && !(commandWords.size() == 3 && commandWords[1] == "--port" &&
+                                         parseInteger(commandWords[2], 0, 65535, session.port)))
             return unusable("serve takes one option, --port N (0 to 65535; 0 picks a free port)");
         return -1;
     }
     if (!session.scriptPath.empty()) {
-        if (i < args.size())
-            return unusable("give either --script or a command, not both");
+        if (!commandWords.empty())
+            return unusable("give either --script or a command, not both (put the command into the script)");
         if (!readScript(session, error))
             return unusable(error);
     } else {
-        if (i >= args.size())
+        if (commandWords.empty()) {
+            /* A lone word that is neither a file nor a command was most likely meant as a command. */
+            if (!session.diagramPath.empty() && !isFile(session.diagramPath))
+                return unusable("unknown command '" + session.diagramPath + "' (see praxa --help)");
             return unusable("no command given (see praxa --help)");
+        }
         SessionStep step;
-        std::vector<std::string> words(args.begin() + (long)i, args.end());
-        if (!parseCommandWords(words, "command line", step, error))
+        if (!parseCommandWords(commandWords, "command line", step, error))
             return unusable(error);
         session.steps.push_back(step);
     }
@@ -307,24 +345,57 @@ void printTranscript()
     platform::clearTranscript();
 }
 
+/* Compensator hand-overs (command 255) seen so far, the diagram file a hand-over is to
+** be saved in (empty: none), and the saves that failed. */
+int compensatorHandOvers = 0;
+std::string compensatorSaveTarget;
+int compensatorSaveFailures = 0;
+
 LRESULT mainWindowMessage(UINT message, WPARAM wParam, LPARAM)
 {
     if (message != WM_COMMAND)
         return 0;
-    if (LOWORD(wParam) == 234)
+    if (LOWORD(wParam) == 234) {
         platform::transcriptNote("[host] point selection: pick points with --input/--output BLOCK.PORT");
-    else if (LOWORD(wParam) == 255)
-        platform::transcriptNote("[host] compensator block updated");
+    } else if (LOWORD(wParam) == 255) {
+        ++compensatorHandOvers;
+        if (!takeCompensatorDesign(compensatorSaveTarget))
+            ++compensatorSaveFailures;
+    }
     return 0;
 }
 
-int runStep(const SessionStep &step)
+bool hasClick(const CommandRun &run, int control)
+{
+    for (const platform::DialogAction &action : run.actions)
+        if (action.kind == platform::ActionKind::Click && action.control == control)
+            return true;
+    return false;
+}
+
+/* A compensator design tried without OK ends with Cancel: its default button, Replot,
+** would keep the dialog open, and a trial is not a refused entry. */
+void endCompensatorTrial(CommandRun &run)
+{
+    for (const platform::DialogAction &action : run.actions)
+        if (action.kind == platform::ActionKind::Cancel)
+            return;
+    if (hasClick(run, IDOK) || hasClick(run, IDCANCEL))
+        return;
+    platform::DialogAction cancel;
+    cancel.dialog = "COMPENSATORDESIGN";
+    cancel.kind = platform::ActionKind::Cancel;
+    run.actions.push_back(cancel);
+}
+
+int runStep(const SessionStep &step, const Session &session)
 {
     HostState &state = host();
     if (!step.pointClick.empty()) {
         std::string error;
-        if (!clickReferencePoint(step.pointClick, error))
+        if (!pickReferencePoint(step.pointClick, step.pickInput, error))
             return unusable(step.where + ": " + error);
+        platform::transcriptNote("[host] reference points: " + highlightedReferencePoints());
         return EXIT_RAN;
     }
     if (step.run.command->id == HOST_COMMAND) {
@@ -333,19 +404,46 @@ int runStep(const SessionStep &step)
         printTranscript();
         return drawn ? EXIT_RAN : unusable(step.where + ": " + error);
     }
+    std::string pointsBefore = highlightedReferencePoints();
+    CommandRun run = step.run;
+    bool compensator = run.command->id == 249;
+    if (run.saveDesign && !hasClick(run, IDOK))
+        return unusable(step.where + ": compensator --save keeps what OK hands over; add --ok (in a script: click 1)");
+    if (run.saveDesign && compensatorBlockPath().empty())
+        return unusable(step.where + ": compensator --save: the diagram has no compensator block to write the design "
+                                     "into; add a block of type \"compensator\" or leave out --save");
+    compensatorSaveTarget = run.saveDesign ? session.diagramPath : std::string();
+    if (compensator)
+        endCompensatorTrial(run);
+    int handOversBefore = compensatorHandOvers;
     platform::clearDialogActions();
-    for (const platform::DialogAction &action : step.run.actions)
+    for (const platform::DialogAction &action : run.actions)
         platform::queueDialogAction(action);
-    int handled = state.plugin.command(step.run.command->id);
-    /* Commands the plug-in leaves to the host: 234 starts the point selection; 254
-    ** selects nothing, as the stand-in's diagrams have no compensator block to pick. */
+    int handled = state.plugin.command(run.command->id);
+    /* Commands the plug-in leaves to the host: 234 starts the point selection; 254 shows
+    ** the compensator block, the first one in the diagram file. */
     if (!handled && step.run.command->id == 234)
         mainWindowMessage(WM_COMMAND, 234, 0);
+    if (!handled && step.run.command->id == 254) {
+        std::string block = compensatorBlockPath();
+        platform::transcriptNote(block.empty() ? "[host] the diagram has no compensator block; add a block of type "
+                                                 "\"compensator\" to receive designs"
+                                               : "[host] compensator block: '" + block + "'");
+    }
+    compensatorSaveTarget.clear();
+    if (std::string points = highlightedReferencePoints(); points != pointsBefore)
+        platform::transcriptNote("[host] reference points taken: " + points);
+    if (uint16_t id = run.command->id; id == 240 || id == 242 || id == 250)
+        if (std::string reason = emptyAnalysisReason(); !reason.empty())
+            platform::transcriptNote("[host] " + reason);
+    if (compensator && compensatorHandOvers == handOversBefore)
+        platform::transcriptNote("[host] the compensator design was not handed over: add --ok to the compensator "
+                                 "options (in a script: click 1) to hand it over");
     size_t unused = platform::pendingDialogActions();
     platform::clearDialogActions();
     printTranscript();
     if (unused) {
-        std::fprintf(stderr, "praxa: %s: %zu dialog action(s) were not used by any dialog\n", step.where.c_str(), unused);
+        std::fprintf(stderr, "praxa: %s: %zu dialog action(s) were not used by any dialog; check them against the dialogs in the transcript\n", step.where.c_str(), unused);
         return EXIT_REFUSED;
     }
     return EXIT_RAN;
@@ -382,7 +480,7 @@ int runCommandLine(int argc, char **argv)
 
     int worst = EXIT_RAN;
     for (const SessionStep &step : session.steps) {
-        status = runStep(step);
+        status = runStep(step, session);
         if (status == EXIT_UNUSABLE)
             return status;
         worst = std::max(worst, status);
@@ -392,8 +490,13 @@ int runCommandLine(int argc, char **argv)
     printTranscript();
     if (platform::refusedDialogCount() > 0)
         worst = std::max(worst, (int)EXIT_REFUSED);
+    if (compensatorSaveFailures > 0) {
+        std::fprintf(stderr, "praxa: the compensator design could not be saved in %s (see the transcript)\n",
+                     session.diagramPath.c_str());
+        worst = std::max(worst, (int)EXIT_REFUSED);
+    }
     if (platform::settingsWriteFailures() > 0) {
-        std::fprintf(stderr, "praxa: the settings file %s could not be written\n", state.settingsPath.c_str());
+        std::fprintf(stderr, "praxa: the settings file %s could not be written; give a writable one with --settings\n", state.settingsPath.c_str());
         worst = std::max(worst, (int)EXIT_REFUSED);
     }
     return worst;

@@ -3,6 +3,9 @@
 */
 #include "hostapp/command_table.h"
 
+#include <cctype>
+#include <cerrno>
+#include <cmath>
 #include <cstdlib>
 
 #include "resources/prxdlg.h"
@@ -19,18 +22,22 @@ const std::vector<CommandSpec> &commandTable()
         {"select-points", 234, true, "start the host's input/output point selection"},
         {"tf", 243, true, "transfer function, zeros and poles"},
         {"compensator", 249, true,
-         "compensator design; [--gain K] [--add-zero RE,IM] [--add-pole RE,IM] [--replot] [--ok]\n"
-         "                        (filled in this order, as typed into the dialog; without --ok it ends with Cancel)"},
-        {"select-compensator", 254, true, "select the compensator block (host)"},
+         "compensator design; [--gain K] [--add-zero RE,IM] [--add-pole RE,IM] [--replot] [--ok [--save]]\n"
+         "                        (filled in this order, as typed into the dialog; without --ok it ends with Cancel\n"
+         "                        and hands nothing over; --ok hands the design to the diagram's compensator block,\n"
+         "                        --save also writes it into that block in the diagram file)"},
+        {"select-compensator", 254, true, "show the diagram's compensator block (host)"},
         {"rlocus", 240, true, "root locus plot"},
-        {"rlocus-options", 241, true, "root locus gain range; [--start K --stop K --steps N --auto|--no-auto]"},
+        {"rlocus-options", 241, true, "root locus gain range; [--start K --stop K --steps N --auto|--no-auto]\n"
+                                      "                        [--cancel: look without saving]"},
         {"nyquist", 250, true, "Nyquist plot"},
         {"bode", 242, true, "Bode magnitude and phase plots"},
-        {"frequency-range", 235, true, "frequency range; [--start F --stop F --steps N]"},
+        {"frequency-range", 235, true, "frequency range; [--start F --stop F --steps N] [--cancel: look without saving]"},
         {"preferences", 246, true,
          "units, precision, thresholds; [--frequency-unit hertz|rad] [--phase-unit degrees|radians]\n"
          "                        [--magnitude-unit db|log10] [--precision N] [--numerator-threshold X]\n"
-         "                        [--denominator-threshold X] [--negative-frequencies|--no-negative-frequencies]"},
+         "                        [--denominator-threshold X] [--negative-frequencies|--no-negative-frequencies]\n"
+         "                        [--cancel: look without saving]"},
         {"reuse-plots", 296, true, "toggle reuse of plots"},
         {"about", 245, true, "the about box"},
         {"draw", HOST_COMMAND, true, "an SVG picture of the diagram (host); [--file NAME.svg]"},
@@ -78,7 +85,7 @@ bool parseDialogAction(const std::vector<std::string> &words, DialogAction &a, s
         {"focus", ActionKind::Focus, 1}, {"cancel", ActionKind::Cancel, 0},
     };
     if (words.empty()) {
-        error = "empty dialog action";
+        error = "empty dialog action; write one of type, click, check, uncheck, select, focus, cancel";
         return false;
     }
     for (const auto &verb : verbs) {
@@ -91,11 +98,11 @@ bool parseDialogAction(const std::vector<std::string> &words, DialogAction &a, s
         a = DialogAction{};
         a.kind = verb.kind;
         if (verb.arguments >= 1 && !parseInt(words[1], a.control)) {
-            error = "dialog action '" + words[0] + "': '" + words[1] + "' is not a control id";
+            error = "dialog action '" + words[0] + "': '" + words[1] + "' is not a control id (the transcript shows each control with its id)";
             return false;
         }
         if (verb.kind == ActionKind::Select && !parseInt(words[2], a.index)) {
-            error = "dialog action 'select': '" + words[2] + "' is not an entry index";
+            error = "dialog action 'select': '" + words[2] + "' is not an entry index (0 is the first entry)";
             return false;
         }
         if (verb.kind == ActionKind::Type) {
@@ -105,7 +112,7 @@ bool parseDialogAction(const std::vector<std::string> &words, DialogAction &a, s
         }
         return true;
     }
-    error = "unknown dialog action '" + words[0] + "'";
+    error = "unknown dialog action '" + words[0] + "'; write one of type, click, check, uncheck, select, focus, cancel";
     return false;
 }
 
@@ -113,7 +120,7 @@ bool parseDialogAction(const std::vector<std::string> &words, DialogAction &a, s
 static bool takeValue(const std::vector<std::string> &args, size_t &i, std::string &value, std::string &error)
 {
     if (i + 1 >= args.size()) {
-        error = "option " + args[i] + " needs a value";
+        error = "option " + args[i] + " needs a value (see praxa --help)";
         return false;
     }
     value = args[++i];
@@ -155,7 +162,58 @@ static bool parseGenericOption(const std::vector<std::string> &args, size_t &i, 
         run.actions.push_back(a);
         return true;
     }
-    error = "unknown option " + option + " for command " + run.command->name;
+    error = "unknown option " + option + " for command " + run.command->name + " (see praxa --help)";
+    return false;
+}
+
+/* What an option's value must look like before it is typed into a dialog: the dialogs
+** read typed text leniently ("abc" reads as 0, "1e999" as infinite), so a value given as
+** an option is checked here and refused with a message instead. */
+enum class ValueForm { Text, Number, WholeNumber, Root };
+
+static bool isFiniteNumber(const std::string &text)
+{
+    if (text.empty() || std::isspace((unsigned char)text[0]))
+        return false;
+    char *end = nullptr;
+    errno = 0;
+    double value = std::strtod(text.c_str(), &end);
+    return *end == '\0' && std::isfinite(value) && !(errno == ERANGE && std::fabs(value) > 1.0);
+}
+
+static bool isWholeNumber(const std::string &text)
+{
+    char *end = nullptr;
+    errno = 0;
+    long value = std::strtol(text.c_str(), &end, 10);
+    return !text.empty() && !std::isspace((unsigned char)text[0]) && *end == '\0' && errno == 0 &&
+           value >= -2147483647L && value <= 2147483647L;
+}
+
+/* RE, RE,IM or (RE,IM), as the compensator's lists show roots. */
+static bool isRoot(std::string text)
+{
+    if (text.size() >= 2 && text.front() == '(' && text.back() == ')')
+        text = text.substr(1, text.size() - 2);
+    size_t comma = text.find(',');
+    if (comma == std::string::npos)
+        return isFiniteNumber(text);
+    return isFiniteNumber(text.substr(0, comma)) && isFiniteNumber(text.substr(comma + 1));
+}
+
+static bool checkValue(const std::string &option, const std::string &value, ValueForm form, std::string &error)
+{
+    bool ok = form == ValueForm::Text ? !value.empty()
+              : form == ValueForm::Number ? isFiniteNumber(value)
+              : form == ValueForm::WholeNumber ? isWholeNumber(value)
+                                               : isRoot(value);
+    if (ok)
+        return true;
+    const char *expected = form == ValueForm::Text ? "a nonempty text"
+                           : form == ValueForm::Number ? "a finite number such as 2.5 or -1e3"
+                           : form == ValueForm::WholeNumber ? "a whole number such as 100"
+                                                            : "a root RE or RE,IM of finite numbers, such as -2 or -1,3";
+    error = option + " takes " + expected + ", not '" + value + "'";
     return false;
 }
 
@@ -177,9 +235,9 @@ bool parseCommandOptions(const CommandSpec &command, const std::vector<std::stri
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string &option = args[i];
         auto next = [&](std::string &value) { return takeValue(args, i, value, error); };
-        auto typed = [&](int control) {
+        auto typed = [&](int control, ValueForm form) {
             std::string value;
-            if (!next(value))
+            if (!next(value) || !checkValue(option, value, form, error))
                 return false;
             run.actions.push_back(action(dialog, ActionKind::Type, control, value));
             return true;
@@ -194,7 +252,10 @@ bool parseCommandOptions(const CommandSpec &command, const std::vector<std::stri
                     return true;
                 }
             }
-            error = "option " + option + ": unknown value '" + value + "'";
+            std::string known;
+            for (const auto &c : choices)
+                known += (known.empty() ? "" : " or ") + c.first;
+            error = "option " + option + " takes " + known + ", not '" + value + "'";
             return false;
         };
         bool ok;
@@ -202,7 +263,7 @@ bool parseCommandOptions(const CommandSpec &command, const std::vector<std::stri
             ok = next(run.file);
         } else if (name == "linearize" && option == "--file") {
             run.actions.push_back(action(dialog, ActionKind::Click, IDC_LIN_TO_FILE));
-            ok = typed(IDC_LIN_RESULT_FILE);
+            ok = typed(IDC_LIN_RESULT_FILE, ValueForm::Text);
         } else if (name == "linearize" && option == "--screen") {
             run.actions.push_back(action(dialog, ActionKind::Click, IDC_LIN_TO_SCREEN));
             ok = true;
@@ -210,23 +271,26 @@ bool parseCommandOptions(const CommandSpec &command, const std::vector<std::stri
             run.actions.push_back(action(dialog, ActionKind::Click, IDC_LIN_SELECT_POINTS));
             ok = true;
         } else if ((name == "frequency-range" || name == "rlocus-options") && option == "--start") {
-            ok = typed(IDC_OPTION_START);
+            ok = typed(IDC_OPTION_START, ValueForm::Number);
         } else if ((name == "frequency-range" || name == "rlocus-options") && option == "--stop") {
-            ok = typed(IDC_OPTION_STOP);
+            ok = typed(IDC_OPTION_STOP, ValueForm::Number);
         } else if ((name == "frequency-range" || name == "rlocus-options") && option == "--steps") {
-            ok = typed(IDC_OPTION_STEPS);
+            ok = typed(IDC_OPTION_STEPS, ValueForm::WholeNumber);
         } else if (name == "rlocus-options" && (option == "--auto" || option == "--no-auto")) {
             run.actions.push_back(action(dialog, option == "--auto" ? ActionKind::Check : ActionKind::Uncheck, IDC_OPTION_AUTO_RANGE));
             ok = true;
         } else if (name == "compensator" && option == "--gain") {
-            ok = typed(IDC_COMP_GAIN);
+            ok = typed(IDC_COMP_GAIN, ValueForm::Number);
         } else if (name == "compensator" && (option == "--add-zero" || option == "--add-pole")) {
             /* Typing into a list's edit makes that list current; Add then appends the root. */
-            ok = typed(option == "--add-zero" ? IDC_COMP_ZERO_EDIT : IDC_COMP_POLE_EDIT);
+            ok = typed(option == "--add-zero" ? IDC_COMP_ZERO_EDIT : IDC_COMP_POLE_EDIT, ValueForm::Root);
             if (ok)
                 run.actions.push_back(action(dialog, ActionKind::Click, IDC_COMP_ADD));
         } else if (name == "compensator" && (option == "--replot" || option == "--ok")) {
             run.actions.push_back(action(dialog, ActionKind::Click, option == "--ok" ? IDOK : IDC_COMP_REPLOT));
+            ok = true;
+        } else if (name == "compensator" && option == "--save") {
+            run.saveDesign = true;
             ok = true;
         } else if (name == "preferences" && option == "--frequency-unit") {
             ok = choice({{"hertz", IDC_PREF_HERTZ}, {"rad", IDC_PREF_RADIANS_SEC}});
@@ -235,11 +299,11 @@ bool parseCommandOptions(const CommandSpec &command, const std::vector<std::stri
         } else if (name == "preferences" && option == "--magnitude-unit") {
             ok = choice({{"db", IDC_PREF_DECIBELS}, {"log10", IDC_PREF_LOG10}});
         } else if (name == "preferences" && option == "--precision") {
-            ok = typed(IDC_PREF_PRECISION);
+            ok = typed(IDC_PREF_PRECISION, ValueForm::WholeNumber);
         } else if (name == "preferences" && option == "--numerator-threshold") {
-            ok = typed(IDC_PREF_NUMERATOR);
+            ok = typed(IDC_PREF_NUMERATOR, ValueForm::Number);
         } else if (name == "preferences" && option == "--denominator-threshold") {
-            ok = typed(IDC_PREF_DENOMINATOR);
+            ok = typed(IDC_PREF_DENOMINATOR, ValueForm::Number);
         } else if (name == "preferences" && (option == "--negative-frequencies" || option == "--no-negative-frequencies")) {
             run.actions.push_back(action(dialog, option == "--negative-frequencies" ? ActionKind::Check : ActionKind::Uncheck, IDC_PREF_NEGATIVE_FREQ));
             ok = true;

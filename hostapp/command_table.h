@@ -29,6 +29,7 @@ const CommandSpec *findCommand(const std::string &name);
 struct CommandRun {
     const CommandSpec *command = nullptr;
     std::vector<platform::DialogAction> actions;
+    bool saveDesign = false;    /* compensator --save: write the handed-over design into the diagram file */
     std::string file;           /* a host command's --file */
 };
 

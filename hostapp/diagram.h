@@ -36,6 +36,16 @@ bool clickReferencePoint(const std::string &blockDotPort, std::string &error);
 ** Call once after the plug-in is loaded (a second click on a point takes it away). */
 bool applyDiagramReferencePoints(std::string &error);
 
+/* A --input/--output pick: refused, with a message naming points that would do, when
+** the point cannot be that reference of the selection; else clicked (a point already
+** highlighted is left as it is, as a second click would take it away). */
+bool pickReferencePoint(const std::string &blockDotPort, bool asInput, std::string &error);
+/* The highlighted reference points, "input ctrl.1, output motor.out"; "" when none. */
+std::string highlightedReferencePoints();
+/* Why an analysis between the highlighted points has nothing to show (no states, or an
+** input that does not reach the output at the operating point); "" when it has. */
+std::string emptyAnalysisReason();
+
 /* The records the plug-in sees, by name (null when there is none). */
 HostBlock *diagramBlock(const std::string &path);
 RefPoint *diagramPoint(const std::string &blockDotPort);

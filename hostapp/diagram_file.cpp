@@ -12,11 +12,13 @@
 #include <fstream>
 #include <set>
 #include <sstream>
+#include <stdexcept>
 
 #include <nlohmann/json.hpp>
 
 #include "hostapp/diagram.h"
 #include "hostapp/engine.h"
+#include "hostapp/expression_block.h"
 #include "hostapp/host_state.h"
 
 namespace hostapp {
@@ -139,7 +141,8 @@ const int MAX_NESTING = 32;
 
 bool isContinuousStateType(BlockType type)
 {
-    return type == BlockType::Integrator || type == BlockType::TransferFunction || type == BlockType::StateSpace;
+    return type == BlockType::Integrator || type == BlockType::TransferFunction || type == BlockType::StateSpace ||
+           type == BlockType::Compensator;
 }
 
 bool isDiscreteType(BlockType type)
@@ -200,6 +203,9 @@ private:
                     std::vector<std::unique_ptr<Block>> &blocks);
     void readParameters(Block &block, const json &fields, const std::string &pointer);
     void readStateSpace(Block &block, const json &fields, const std::string &pointer);
+    void readLookup(Block &block, const json &fields, const std::string &pointer);
+    int readExpression(Block &block, const json &fields, const std::string &pointer);
+    void readCompensator(Block &block, const json &fields, const std::string &pointer);
     void readCompound(Block &block, const json &fields, const std::string &pointer);
     void readWires(const json &fields, const std::string &pointer, Block *owner,
                    std::vector<std::unique_ptr<Block>> &scope);
@@ -310,7 +316,8 @@ void Loader::refuseValuesNotFinite() const
 {
     auto refuse = [](const Block &block, const char *what, double value) {
         throw DiagramError{block.line, "block '" + block.path + "': its " + what + " is " +
-                                           (std::isnan(value) ? "NaN" : "infinite") + " at time 0"};
+                                           (std::isnan(value) ? "NaN" : "infinite") +
+                                           " at time 0; change the initial values or parameters that feed it"};
     };
     for (const Block *block : diagram_.evaluationOrder)
         if (block->output && !std::isfinite(*block->output->slot()))
@@ -351,6 +358,7 @@ void Loader::readBlocks(const json &list, const std::string &pointer, Block *par
         block->path = parent ? parent->path + "/" + id : id;
         block->parent = parent;
         block->line = lines_.lineOf(at);
+        block->pointer = at;
         if (!scopeIds_[&blocks].emplace(id, block.get()).second)
             fail(at + "/id", "block '" + block->path + "': the id is used twice");
         if (++diagramBlocks_ > MAX_DIAGRAM_BLOCKS)
@@ -360,7 +368,8 @@ void Loader::readBlocks(const json &list, const std::string &pointer, Block *par
             fail(at, "block '" + block->path + "': missing parameter 'type' (a text)");
         std::string type = fields["type"].get<std::string>();
         if (!blockTypeFromName(type, block->type))
-            fail(at + "/type", "block '" + block->path + "': unknown block type '" + type + "'");
+            fail(at + "/type", "block '" + block->path + "': unknown block type '" + type +
+                                   "' (examples/README.md lists the block types)");
         readParameters(*block, fields, at);
         blocks.push_back(std::move(block));
     }
@@ -415,6 +424,46 @@ void Loader::readParameters(Block &block, const json &fields, const std::string 
     case BlockType::Sin:
     case BlockType::Cos:
     case BlockType::Abs:
+    case BlockType::Exp:
+    case BlockType::Sqrt:
+    case BlockType::Tanh:
+        break;
+    case BlockType::Divide:
+    case BlockType::Atan2:
+        inputs = 2;
+        break;
+    case BlockType::Power:
+        block.exponent = number(fields, "exponent", pointer, what);
+        allowed.push_back("exponent");
+        break;
+    case BlockType::DeadZone:
+        block.lower = number(fields, "lower", pointer, what);
+        block.upper = number(fields, "upper", pointer, what);
+        if (block.lower > block.upper)
+            fail(pointer + "/lower", what + ": 'lower' is above 'upper'; give the dead zone as lower <= upper");
+        allowed.insert(allowed.end(), {"lower", "upper"});
+        break;
+    case BlockType::Lookup:
+        readLookup(block, fields, pointer);
+        allowed.insert(allowed.end(), {"x", "y"});
+        break;
+    case BlockType::Min:
+    case BlockType::Max:
+        inputs = optionalCount(fields, "inputs", 2, pointer, what);
+        allowed.push_back("inputs");
+        break;
+    case BlockType::Switch:
+        inputs = 3;
+        block.threshold = optionalNumber(fields, "threshold", 0.0, pointer, what);
+        allowed.push_back("threshold");
+        break;
+    case BlockType::Expression:
+        inputs = readExpression(block, fields, pointer);
+        allowed.insert(allowed.end(), {"inputs", "expr", "parameters"});
+        break;
+    case BlockType::Compensator:
+        readCompensator(block, fields, pointer);
+        allowed.insert(allowed.end(), {"gain", "zeros", "poles"});
         break;
     case BlockType::Integrator:
         block.linear = LinearSystem{1, {0.0}, {1.0}, {1.0}, 0.0};
@@ -556,6 +605,82 @@ void Loader::readStateSpace(Block &block, const json &fields, const std::string 
             fail(pointer + "/" + key, what + ": parameter '" + key + "' must hold " + std::to_string(a.size()) +
                                           " numbers, one per state");
     sys.d = optionalNumber(fields, "d", 0.0, pointer, what);
+}
+
+void Loader::readLookup(Block &block, const json &fields, const std::string &pointer)
+{
+    std::string what = "block '" + block.path + "'";
+    for (const char *key : {"x", "y"})
+        if (!fields.contains(key))
+            fail(pointer, what + ": missing parameter '" + key + "' (the table's breakpoints x and values y)");
+    block.tableX = numbers(fields["x"], pointer + "/x", what + ": parameter 'x'");
+    block.tableY = numbers(fields["y"], pointer + "/y", what + ": parameter 'y'");
+    if (block.tableX.size() < 2 || block.tableX.size() != block.tableY.size())
+        fail(pointer + "/y", what + ": 'x' and 'y' must hold the same number of values, at least 2");
+    for (size_t i = 1; i < block.tableX.size(); ++i)
+        if (!(block.tableX[i] > block.tableX[i - 1]))
+            fail(pointer + "/x", what + ": the breakpoints 'x' must increase strictly; sort them and drop repeats");
+}
+
+/* The expression's parameters and formula; returns its number of inputs. */
+int Loader::readExpression(Block &block, const json &fields, const std::string &pointer)
+{
+    std::string what = "block '" + block.path + "'";
+    int inputs = optionalCount(fields, "inputs", 1, pointer, what);
+    if (!fields.contains("expr") || !fields["expr"].is_string())
+        fail(pointer, what + ": missing parameter 'expr' (a formula in u1 ... uN, such as \"k*u1/(1 + u2^2)\")");
+    std::vector<std::pair<std::string, double>> parameters;
+    if (fields.contains("parameters")) {
+        const json &list = fields["parameters"];
+        if (!list.is_object())
+            fail(pointer + "/parameters", what + ": 'parameters' must map names to numbers, such as {\"k\": 2.5}");
+        for (const auto &entry : list.items()) {
+            if (!entry.value().is_number())
+                fail(pointer + "/parameters/" + entry.key(), what + ": parameter '" + entry.key() + "' must be a number");
+            parameters.emplace_back(entry.key(), entry.value().get<double>());
+        }
+    }
+    std::string error;
+    block.expression = compileExpression(fields["expr"].get<std::string>(), inputs, parameters, error);
+    if (!block.expression)
+        fail(pointer + "/expr", what + ": " + error);
+    block.inputValues.assign((size_t)inputs, 0.0);
+    return inputs;
+}
+
+/* A root: a number (real) or a pair [re, im]. */
+std::array<double, 2> rootOf(const json &value)
+{
+    if (value.is_number())
+        return {value.get<double>(), 0.0};
+    if (value.is_array() && value.size() == 2 && value[0].is_number() && value[1].is_number())
+        return {value[0].get<double>(), value[1].get<double>()};
+    throw std::invalid_argument("root");
+}
+
+void Loader::readCompensator(Block &block, const json &fields, const std::string &pointer)
+{
+    std::string what = "block '" + block.path + "'";
+    block.compensatorGain = optionalNumber(fields, "gain", 1.0, pointer, what);
+    for (const char *key : {"zeros", "poles"}) {
+        std::vector<std::array<double, 2>> &roots = key[0] == 'z' ? block.zeros : block.poles;
+        if (!fields.contains(key))
+            continue;
+        const json &list = fields[key];
+        if (!list.is_array())
+            fail(pointer + "/" + key, what + ": '" + key + "' must be a list of roots, each a number or [re, im]");
+        checkOrder(list.size(), pointer + "/" + key, what);
+        for (const json &item : list) {
+            try {
+                roots.push_back(rootOf(item));
+            } catch (const std::invalid_argument &) {
+                fail(pointer + "/" + key, what + ": '" + key + "' must be a list of roots, each a number or [re, im]");
+            }
+        }
+    }
+    std::string error;
+    if (!realizeCompensator(block, error))
+        fail(pointer, what + ": " + error);
 }
 
 void Loader::readCompound(Block &block, const json &fields, const std::string &pointer)

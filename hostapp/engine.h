@@ -18,10 +18,13 @@
 
 namespace hostapp {
 
+struct CompiledExpression;
+
 /* ORDER BLOCK TYPES: blockTypeNames in blocks.cpp lists the names in this order. */
 enum class BlockType {
     Constant, Step, Gain, Sum, Product, Saturation, Sin, Cos, Abs,
-    Integrator, TransferFunction, StateSpace,
+    Divide, Exp, Sqrt, Power, Tanh, Atan2, DeadZone, Lookup, Min, Max, Switch, Expression,
+    Integrator, TransferFunction, StateSpace, Compensator,
     DiscreteTransferFunction, DiscreteStateSpace, UnitDelay,
     Compound, Plot,
 };
@@ -75,7 +78,15 @@ struct Block {
     double initialValue = 0.0;          /* step: value before the step */
     double stepTime = 0.0;              /* step: seconds */
     double gain = 1.0;
-    double lower = 0.0, upper = 0.0;    /* saturation */
+    double lower = 0.0, upper = 0.0;    /* saturation, dead zone */
+    double exponent = 1.0;              /* power */
+    double threshold = 0.0;             /* switch: u2 >= threshold passes u1, else u3 */
+    std::vector<double> tableX, tableY; /* lookup: breakpoints (increasing) and values */
+    std::shared_ptr<CompiledExpression> expression;
+    std::vector<double> inputValues;    /* expression: scratch for the inputs */
+    double compensatorGain = 1.0;       /* compensator: K (s - z1)... / (s - p1)... */
+    std::vector<std::array<double, 2>> zeros, poles;
+    std::string pointer;                /* JSON pointer of the block in its diagram file */
     std::string signs;                  /* sum: one '+' or '-' per input */
     LinearSystem linear;                /* integrator, transfer functions, state space */
     std::vector<double> num, den;       /* transfer functions as written: descending powers */
@@ -146,6 +157,11 @@ void evaluateNext(Block &block);            /* derivatives or next states */
 ** overflows. */
 bool realizeTransferFunction(std::vector<double> num, std::vector<double> den, LinearSystem &sys,
                              std::string &error);
+
+/* compensator_block.cpp: block.linear from the compensator's gain, zeros and poles;
+** false with a reason when a complex root lacks its conjugate, a value is not finite, or
+** there are more zeros than poles. */
+bool realizeCompensator(Block &block, std::string &error);
 
 /* engine.cpp: ordering and evaluation. */
 void orderForEvaluation(Diagram &diagram);  /* throws DiagramError on an algebraic loop */

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "host/host.h"
+#include "hostapp/compensator_block.h"
 #include "hostapp/host_state.h"
 #include "hostapp/plots.h"
 #include "platform/driver.h"
@@ -59,6 +60,7 @@ intptr_t tervanInternalRequest(int32_t code, intptr_t a, intptr_t)
         platform::transcriptNote("[compensator] gain " + std::string(floatToString(c->gain)) +
                                  " zeros " + complexList(c->zeros, c->zeroCount) +
                                  " poles " + complexList(c->poles, c->poleCount));
+        hostapp::keepCompensatorDesign(*c);
         return 1;
     }
     default:

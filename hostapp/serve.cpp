@@ -17,6 +17,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "hostapp/compensator_block.h"
 #include "hostapp/diagram.h"
 #include "hostapp/diagram_picture.h"
 #include "hostapp/host_state.h"
@@ -68,7 +69,7 @@ LRESULT mainWindowMessage(UINT message, WPARAM wParam, LPARAM)
         platform::transcriptNote("[host] point selection: click an input port for the input point, "
                                  "an output port for the output point");
     } else if (LOWORD(wParam) == COMPENSATOR_HANDED_OVER) {
-        platform::transcriptNote("[host] compensator block updated");
+        takeCompensatorDesign("");
     }
     return 0;
 }

@@ -4,7 +4,7 @@
 set -euo pipefail
 
 packages=(cmake g++ make pkg-config googletest libgtest-dev libbenchmark-dev
-          nlohmann-json3-dev liblapacke-dev libpugixml-dev libcpp-httplib-dev libgraphviz-dev
+          nlohmann-json3-dev liblapacke-dev libpugixml-dev libcpp-httplib-dev libgraphviz-dev libmuparser-dev
           nodejs npm chromium fonts-liberation)
 
 missing=()

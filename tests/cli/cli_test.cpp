@@ -59,7 +59,7 @@ TEST(CommandLine, UnknownCommandsAndOptionsAreRefusedOnStderr)
 
     run = runPraxa("about --fast");
     EXPECT_EQ(run.status, 2);
-    EXPECT_EQ(run.err, "praxa: unknown option --fast for command about\n");
+    EXPECT_EQ(run.err, "praxa: unknown option --fast for command about (see praxa --help)\n");
 
     run = runPraxa("--host-version x about");
     EXPECT_EQ(run.status, 2);
@@ -118,12 +118,12 @@ TEST(CommandLine, ScriptErrorsNameTheLine)
     writeFile(dir.file("a.txt"), "about\n  type x y\n");
     RunResult run = runPraxa("--script " + dir.file("a.txt"));
     EXPECT_EQ(run.status, 2);
-    EXPECT_EQ(run.err, "praxa: " + dir.file("a.txt") + ":2: dialog action 'type': 'x' is not a control id\n");
+    EXPECT_EQ(run.err, "praxa: " + dir.file("a.txt") + ":2: dialog action 'type': 'x' is not a control id (the transcript shows each control with its id)\n");
 
     writeFile(dir.file("b.txt"), "  click 1\n");
     run = runPraxa("--script " + dir.file("b.txt"));
     EXPECT_EQ(run.status, 2);
-    EXPECT_EQ(run.err, "praxa: " + dir.file("b.txt") + ":1: a dialog action must follow a command\n");
+    EXPECT_EQ(run.err, "praxa: " + dir.file("b.txt") + ":1: a dialog action must follow a command; put the command on an unindented line above it\n");
 
     run = runPraxa("--script " + dir.file("missing.txt"));
     EXPECT_EQ(run.status, 2);
@@ -135,7 +135,7 @@ TEST(CommandLine, ActionsNoDialogUsedMakeTheRunFail)
     TempDir dir;
     RunResult run = runPraxa("--settings " + dir.file("s.ini") + " reuse-plots --click 5");
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.err, "praxa: command line: 1 dialog action(s) were not used by any dialog\n");
+    EXPECT_EQ(run.err, "praxa: command line: 1 dialog action(s) were not used by any dialog; check them against the dialogs in the transcript\n");
 }
 
 }

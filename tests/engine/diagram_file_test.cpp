@@ -54,7 +54,7 @@ TEST_F(DiagramFile, UnknownBlockTypeNamesTheBlockAndLine)
     {"id": "plant", "type": "tranferFunction", "num": [1], "den": [1, 1]}
   ]
 })"),
-              "bad.json:4: block 'plant': unknown block type 'tranferFunction'");
+              "bad.json:4: block 'plant': unknown block type 'tranferFunction' (examples/README.md lists the block types)");
 }
 
 TEST_F(DiagramFile, MissingAndUnknownParametersAreNamed)

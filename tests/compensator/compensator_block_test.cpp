@@ -1,0 +1,95 @@
+/*
+** tests/compensator/compensator_block_test.cpp: the design handed over into the diagram's
+** compensator block: the loop analysed with it in the same session, --save writing the
+** block back into the file with the rest kept, and what is said without a block or OK.
+*/
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "support.h"
+
+using namespace testing_support;
+
+namespace {
+
+const char *const COMPENSATED_SERVO = R"({
+  "title": "Servo with a compensator block in front of the gain",
+  "blocks": [
+    {"id": "ref",   "type": "step", "value": 1},
+    {"id": "err",   "type": "sum", "signs": "+-"},
+    {"id": "comp",  "type": "compensator", "gain": 1},
+    {"id": "ctrl",  "type": "gain", "gain": 2},
+    {"id": "amp",   "type": "transferFunction", "num": [10], "den": [1, 10]},
+    {"id": "motor", "type": "transferFunction", "num": [1], "den": [1, 1, 0]}
+  ],
+  "wires": [["ref", "err.1"], ["err", "comp"], ["comp", "ctrl"], ["ctrl", "amp"], ["amp", "motor"], ["motor", "err.2"]],
+  "selection": ["comp", "ctrl", "amp", "motor"],
+  "input": "comp.in",
+  "output": "motor.out"
+}
+)";
+
+bool has(const std::string &text, const std::string &part) { return text.find(part) != std::string::npos; }
+
+TEST(CompensatorBlock, TheDesignHandedOverIsAnalysedAndSavedInTheBlock)
+{
+    TempDir dir;
+    std::string diagram = dir.file("servo.json");
+    writeFile(diagram, COMPENSATED_SERVO);
+    writeFile(dir.file("design.txt"), "compensator --gain 10 --add-zero -1 --add-pole -10 --ok --save\ntf\n");
+    RunResult run = runPraxa("--settings " + dir.file("s.ini") + " --out " + dir.file("out") + " " + diagram +
+                             " --script " + dir.file("design.txt"));
+    EXPECT_EQ(run.status, 0) << run.err << run.out;
+    EXPECT_TRUE(has(run.out, "[compensator] gain 10 zeros (-1,0) poles (-10,0)\n"
+                             "[host] compensator block 'comp' updated\n"
+                             "[host] compensator block 'comp' saved in " + diagram + "\n"))
+        << run.out;
+    /* 10 (s + 1)/(s + 10) before the servo 20/(s (s + 1)(s + 10)): gain 200, the zero at -1 */
+    EXPECT_TRUE(has(run.out, "  static 109 \"200\"\n")) << run.out;
+    EXPECT_TRUE(has(run.out, "  listbox 107: \"(-1,0)\"\n")) << run.out;
+
+    std::string expected = COMPENSATED_SERVO;
+    std::string old = R"({"id": "comp",  "type": "compensator", "gain": 1})";
+    expected.replace(expected.find(old), old.size(),
+                     R"({"id":"comp","type":"compensator","gain":10.0,"zeros":[-1.0],"poles":[-10.0]})");
+    EXPECT_EQ(readFile(diagram), expected);
+    size_t files = 0;
+    for (const auto &entry : std::filesystem::directory_iterator(dir.path))
+        files += entry.is_regular_file();
+    EXPECT_EQ(files, 2u) << "no temporary file is left beside the diagram and the script";
+
+    /* The saved design is the block's design from then on. */
+    run = runPraxa("--settings " + dir.file("s.ini") + " --out " + dir.file("out") + " " + diagram + " tf");
+    EXPECT_TRUE(has(run.out, "  static 109 \"200\"\n")) << run.out;
+    run = runPraxa("--settings " + dir.file("s.ini") + " " + diagram + " select-compensator");
+    EXPECT_EQ(run.out, "[host] compensator block: 'comp'\n");
+}
+
+TEST(CompensatorBlock, WithoutOkOrWithoutABlockNothingIsKeptAndTheUserIsToldHow)
+{
+    TempDir dir;
+    std::string common = "--settings " + dir.file("s.ini") + " --out " + dir.path + " " + examplePath("servo.json");
+    RunResult run = runPraxa(common + " compensator --gain 2");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_FALSE(has(run.out, "[refused]")) << run.out;
+    EXPECT_TRUE(has(run.out, "  > cancel\n[end] Compensator Design: 2\n[host] the compensator design was not handed "
+                             "over: add --ok to the compensator options (in a script: click 1) to hand it over\n"))
+        << run.out;
+
+    run = runPraxa(common + " compensator --gain 2 --ok");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_TRUE(has(run.out, "[host] the diagram has no compensator block, so the design is not kept: add a block of "
+                             "type \"compensator\" to the diagram to receive it\n"))
+        << run.out;
+
+    /* A design the block cannot take leaves it as it was. */
+    writeFile(dir.file("servo.json"), COMPENSATED_SERVO);
+    run = runPraxa("--settings " + dir.file("s.ini") + " --out " + dir.path + " " + dir.file("servo.json") +
+                   " compensator --add-zero -1 --add-zero -2 --ok");
+    EXPECT_TRUE(has(run.out, "[host] compensator block 'comp' not updated: 2 zeros but 0 poles make an improper "
+                             "compensator; add a pole for each zero beyond the poles\n"))
+        << run.out;
+}
+
+}
