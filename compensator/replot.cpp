@@ -3,6 +3,9 @@
 ** and the root locus of the loop, compensator times plant, into the remembered plots.
 */
 
+#include <cmath>
+#include <cstdio>
+
 #include "compensator/compensator.h"
 #include "freq/frequency_response.h"
 #include "host/host.h"
@@ -11,6 +14,7 @@
 #include "shell/plot_output.h"
 #include "shell/praxa.h"
 #include "shell/settings.h"
+#include "shell/text.h"
 #include "xfer/xfer.h"
 
 /* A root locus plot counts its traces in one byte. */
@@ -66,14 +70,12 @@ static HostBlock *locusPlotForLoop()
     return rootLocusPlot;
 }
 
-/* The locus reads the first loop pole count + 1 numerator coefficients, so a loop with up
-** to two zeros more than poles is drawn from that truncated numerator as it stands.  Beyond
-** that the loop is refused with a message (the arrays above are sized for it, so nothing
-** overflows), as is a loop with more poles than a plot holds traces; both still get their
-** Bode plots. */
+/* The root locus of a loop with more zeros than poles would have branches coming in from
+** infinity at K = 0; such a loop is refused with a message (it still gets its Bode plots),
+** as is a loop with more poles than a plot holds traces. */
 static bool locusFits()
 {
-    if (loopZeroCount > loopPoleCount + 2) {
+    if (loopZeroCount > loopPoleCount) {
         winMsg("The loop has %d zeros but only %d poles: no root locus is drawn.", loopZeroCount, loopPoleCount);
         return false;
     }
@@ -85,13 +87,44 @@ static bool locusFits()
     return loopPoleCount >= 1;
 }
 
+/* A complex root typed without its conjugate would describe a loop with complex
+** coefficients: the Bode plots would use the root as typed and the locus the real parts
+** of its polynomial.  The conjugate is added to the loop (said in a message), so that both
+** describe the same real loop; the compensator itself keeps what was typed. */
+static void completeConjugates(Complex **roots, int32_t *count, const char *kind)
+{
+    int32_t original = *count;
+    for (int32_t i = 0; i < original; i++) {
+        const Complex &r = (*roots)[i];
+        if (r.im == 0.0 || !std::isfinite(r.im))
+            continue;
+        int32_t same = 0, mirrored = 0;
+        for (int32_t k = 0; k < *count; k++) {
+            const Complex &o = (*roots)[k];
+            same += o.re == r.re && o.im == r.im;
+            mirrored += o.re == r.re && o.im == -r.im;
+        }
+        if (mirrored >= same)
+            continue;
+        *roots = (Complex *)grealloc(*roots, sizeof(Complex) * ((uint64_t)*count + 2));
+        Complex conjugate{(*roots)[i].re, -(*roots)[i].im};
+        (*roots)[(*count)++] = conjugate;
+        char text[64];
+        std::snprintf(text, sizeof text, "%s", complexToText(&conjugate));
+        winMsg("The %s %s has no conjugate; %s is added to the loop.", kind, complexToText(&(*roots)[i]), text);
+    }
+}
+
 void replotCompensatedLoop(HWND dialog)
 {
     ensureBodePlots();
     readCompensator(dialog);
+    completeConjugates(&loopZeros, &loopZeroCount, "zero");
+    completeConjugates(&loopPoles, &loopPoleCount, "pole");
     setWaitCursor(1);
     double plantGain = currentXfer.gain;
-    currentXfer.gain = plantGain * currentCompensator.gain;
+    double loopGain = plantGain * currentCompensator.gain;
+    currentXfer.gain = loopGain;
     int32_t order = stateSpaceModel.A ? (int32_t)stateSpaceModel.A->rows : 0;
     frequencyResponse(bodePhasePlot, bodeMagnitudePlot, &frequencyRange, loopZeros, loopPoles, loopZeroCount,
                       loopPoleCount, order, 0, 0.0);
@@ -100,7 +133,10 @@ void replotCompensatedLoop(HWND dialog)
     if (locusFits()) {
         HostBlock *plot = locusPlotForLoop();
         if (plot) {
-            rootLocus(plotRecordOf(plot), loopNumerator, loopDenominator, loopPoleCount);
+            /* The locus of the whole loop, with its gain (a negative one gives the locus of
+            ** negative gains, as in the Bode plots) and its roots for box and top gain. */
+            rootLocusOfLoop(plotRecordOf(plot), loopNumerator, loopDenominator, loopPoleCount, loopGain, loopZeros,
+                            loopZeroCount, loopPoles, loopPoleCount);
             finishPlot(plot, 0, 0, 0);
             rootLocusPlot = plot;
         }

@@ -22,6 +22,8 @@ static const double LOWEST_STOP = 1.0;
 static const double LOWEST_START = 1e-6;
 static const int32_t LEAST_STEPS = 1000;
 static const double SAMPLED_LOWEST = 1e-4;
+/* A pole this close to the unit circle lies on it. */
+static const double UNIT_CIRCLE_TOLERANCE = 1e-4;
 
 /* A run never asks for more points than this (three arrays of doubles, about 100 MB):
 ** the step count comes from the settings file and the detoured count grows with the
@@ -84,25 +86,25 @@ static void plainCurve(const NyquistSystem &system, int32_t total, double unitFa
 
 /* ---- The curve with detours ------------------------------------------------- */
 
-/* Logarithm of a segment end.  A detour wider than the frequency of its pole puts the
-** lower edge at or below zero; such an end is taken as the range start, so that the
+/* Logarithm of a segment end (rad/s).  A detour wider than the frequency of its pole puts
+** the lower edge at or below zero; such an end is taken as the range start, so that the
 ** segment shrinks towards the start instead of filling the curve with NaN. */
-static double segmentLog(double frequency)
+static double segmentLog(double frequency, double start)
 {
     if (frequency <= 0.0)
-        frequency = frequencyRange.start;
+        frequency = start;
     return std::log10(frequency);
 }
 
 /* One segment of 2h positions from `position` on: h frequencies from `from` up to `to`,
-** then their negatives from −to up to −from. */
-static void fillSegment(double *W, int32_t position, int32_t h, double from, double to, double unitFactor)
+** then their negatives from −to up to −from; all in rad/s, as the detours are. */
+static void fillSegment(double *W, int32_t position, int32_t h, double from, double to, double start)
 {
-    double logFrom = segmentLog(from);
-    double step = h > 1 ? (segmentLog(to) - logFrom) / (h - 1) : 0.0;
+    double logFrom = segmentLog(from, start);
+    double step = h > 1 ? (segmentLog(to, start) - logFrom) / (h - 1) : 0.0;
     for (int32_t i = 0; i < h; i++) {
-        W[position + i] = std::pow(10.0, logFrom + i * step) * unitFactor;
-        W[position + h + i] = -std::pow(10.0, logFrom + (h - 1 - i) * step) * unitFactor;
+        W[position + i] = std::pow(10.0, logFrom + i * step);
+        W[position + h + i] = -std::pow(10.0, logFrom + (h - 1 - i) * step);
     }
 }
 
@@ -131,23 +133,26 @@ static void detouredCurve(const NyquistSystem &system, std::vector<double> &omeg
                 MB_ICONEXCLAMATION | MB_OK);
     runDialog("NYQUISTINFINITI", nyqustInfinitiDlg);
 
+    /* The range ends are numbers in the frequency unit; the poles, detours and segments
+    ** are in rad/s. */
     int32_t h = M / 2;
-    double stop = frequencyRange.stop;
+    double start = frequencyRange.start * unitFactor;
+    double stop = frequencyRange.stop * unitFactor;
     std::vector<double> rho(jwCount + 1);
     omega[jwCount] = stop;      /* sentinel: the detour of the top pole reaches at most halfway to stop */
     rho[jwCount] = stop;
     curve.W[0] = 0.0;
     for (int32_t k = 0; k < jwCount; k++) {
         rho[k] = infinityCrossing(omega[k], (omega[k] + omega[k + 1]) / 2, system);
-        infinityArc(omega[k], rho[k], h, k * M + 1, system, unitFactor, curve);
+        infinityArc(omega[k], rho[k], h, k * M + 1, system, curve);
     }
     int32_t position = jwCount * M;
     if (!isOriginPole(omega[0])) {
-        fillSegment(curve.W, position + 1, h, frequencyRange.start, 2 * omega[0] - rho[0], unitFactor);
+        fillSegment(curve.W, position + 1, h, start, 2 * omega[0] - rho[0], start);
         position += M;
     }
     for (int32_t k = 0; k < jwCount; k++) {
-        fillSegment(curve.W, position + 1, h, rho[k], 2 * omega[k + 1] - rho[k + 1], unitFactor);
+        fillSegment(curve.W, position + 1, h, rho[k], 2 * omega[k + 1] - rho[k + 1], start);
         position += M;
     }
     for (int32_t p = jwCount * M + 1; p <= total; p++)
@@ -217,11 +222,23 @@ void nyquistResponseSampled(int32_t zeroCount, int32_t poleCount, Complex *poles
     int32_t steps = frequencyRange.steps;
     if (steps < 1 || !realTrace || !imaginaryTrace)
         return;
+    /* A pole on the unit circle (an integrator, z = 1) sends the response to infinity next
+    ** to it, and a grid point on it (θ = 2π lands on z = 1 within rounding) to 1e15 and
+    ** beyond, which flattens the rest of the plot.  There the curve is drawn on the circle
+    ** of radius R∞ with its true phase, as the detours of a continuous model draw their
+    ** circles at infinity; the part that decides stability, around −1, is untouched. */
+    bool poleOnCircle = false;
+    for (int32_t k = 0; k < system.poleCount; k++)
+        poleOnCircle |= std::fabs(std::hypot(poles[k].re, poles[k].im) - 1.0) < UNIT_CIRCLE_TOLERANCE;
     double logStart = std::log10(frequencyRange.start);
     double step = steps > 1 ? (std::log10(frequencyRange.stop) - logStart) / (steps - 1) : 0.0;
     for (int32_t i = 0; i < steps; i++) {
         /* θ in radians per sample: the sample period does not enter. */
         double theta = std::pow(10.0, logStart + i * step) * unitFactor;
-        nyquistPoint(Complex{std::cos(theta), std::sin(theta)}, system, &realTrace[i], &imaginaryTrace[i]);
+        PoleZeroValue v = evalPoleZero(Complex{std::cos(theta), std::sin(theta)}, system.zeros, system.zeroCount,
+                                       system.poles, system.poleCount, system.gain);
+        double magnitude = poleOnCircle && v.magnitude > nyquistInfinity ? nyquistInfinity : v.magnitude;
+        realTrace[i] = magnitude * std::cos(v.angle);
+        imaginaryTrace[i] = magnitude * std::sin(v.angle);
     }
 }

@@ -65,11 +65,11 @@ bool isOriginPole(double omega);
 ** within 10 % of R∞ (at most 26 evaluations on the imaginary axis). */
 double infinityCrossing(double omega0, double omegaMid, const NyquistSystem &system);
 
-/* The detour around the pole +jω0 (and its mirror −jω0) of radius ρ − ω0: the pole at
-** the origin one half circle of 2·halfCount points, any other two of halfCount each,
-** from position firstPosition on. */
+/* The detour around the pole +jω0 (and its mirror −jω0) of radius ρ − ω0, both in rad/s:
+** the pole at the origin one half circle of 2·halfCount points, any other two of
+** halfCount each, from position firstPosition on. */
 void infinityArc(double omega0, double rho, int32_t halfCount, int32_t firstPosition, const NyquistSystem &system,
-                 double unitFactor, NyquistCurve curve);
+                 NyquistCurve curve);
 
 /* Orders positions 1 … total in blocks of blockSize by the first frequency of each
 ** block (W, X and Y together), negative frequencies first. */

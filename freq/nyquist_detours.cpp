@@ -65,11 +65,13 @@ double infinityCrossing(double omega0, double omegaMid, const NyquistSystem &sys
 }
 
 void infinityArc(double omega0, double rho, int32_t halfCount, int32_t firstPosition, const NyquistSystem &system,
-                 double unitFactor, NyquistCurve curve)
+                 NyquistCurve curve)
 {
+    /* ω0 and ρ are in rad/s, as the poles are, whatever the frequency unit: a detour
+    ** centred at ω0·2π, or stretched by 2π along the axis, would miss its pole. */
     double r = rho - omega0;
-    double centre = omega0 * unitFactor;
-    double R = r * unitFactor;
+    double centre = omega0;
+    double R = r;
     bool origin = isOriginPole(omega0);
     int passes = origin ? 1 : 2;
     int32_t count = origin ? 2 * halfCount : halfCount;

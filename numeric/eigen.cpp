@@ -263,6 +263,27 @@ void eigenSolver(Matrix *m, int32_t n, double *wr, double *wi)
     }
 }
 
+/* The binary exponent e of the largest |element| of the top-left n x n block
+** (largest = m 2^e, m in [0.5, 1)); 0 for an all-zero block. */
+static int largestElementExponent(const Matrix *m, int32_t n)
+{
+    double largest = 0.0;
+    for (int32_t j = 1; j <= n; j++)
+        for (int32_t i = 1; i <= n; i++)
+            largest = std::fmax(largest, std::fabs(A(i, j)));
+    int exponent = 0;
+    if (largest > 0.0)
+        std::frexp(largest, &exponent);
+    return exponent;
+}
+
+static void scaleBlock(Matrix *m, int32_t n, int exponent)
+{
+    for (int32_t j = 1; j <= n; j++)
+        for (int32_t i = 1; i <= n; i++)
+            A(i, j) = std::ldexp(A(i, j), exponent);
+}
+
 void eigenValues(Complex *roots, const Matrix *a, int32_t n)
 {
     /* Nothing to compute for n < 1; no work storage is taken. */
@@ -295,10 +316,18 @@ void eigenValues(Complex *roots, const Matrix *a, int32_t n)
     double *wi = (double *)galloc(sizeof(double) * ((uint64_t)n + 1));
     matCopy(work, a);
     balanceMatrix(work, n);
+    /* The balanced copy is scaled by a power of two so that its largest element lies in
+    ** [0.5, 1), and the roots by the inverse: exact, and the iteration's squares and
+    ** products then neither overflow nor underflow for elements near the ends of the
+    ** exponent range.  For other matrices the result is the same to the last bit.  (After
+    ** balancing, so that a wide spread of magnitudes, which balancing evens out, does not
+    ** push the small elements below the exponent range.) */
+    int exponent = largestElementExponent(work, n);
+    scaleBlock(work, n, -exponent);
     hessenbergReduce(work, n);
     eigenSolver(work, n, wr, wi);
     for (int32_t k = 0; k < n; k++)
-        roots[k] = Complex{wr[k + 1], wi[k + 1]};
+        roots[k] = Complex{std::ldexp(wr[k + 1], exponent), std::ldexp(wi[k + 1], exponent)};
     gfree(wi);
     gfree(wr);
     gfree(work);

@@ -38,7 +38,7 @@ static bool allFinite(const Matrix *a)
     return true;
 }
 
-int svDecompose(Matrix *a, double *w, Matrix *v)
+static int decompose(Matrix *a, double *w, Matrix *v)
 {
     const int32_t m = (int32_t)a->rows, n = (int32_t)a->cols;
     /* The left-hand transformations address rows up to n, and V must hold n x n:
@@ -292,6 +292,32 @@ int svDecompose(Matrix *a, double *w, Matrix *v)
         }
     }
     return 1;
+}
+
+/* a is scaled by a power of two so that its largest element lies in [0.5, 1), and the
+** singular values by the inverse: exact, and the sums of squares and the rotations then
+** neither overflow nor underflow for elements near the ends of the exponent range.  U and
+** V do not change; for other matrices the result is the same to the last bit.  Shapes
+** decompose refuses, and non-finite elements, go to it unscaled for its messages. */
+int svDecompose(Matrix *a, double *w, Matrix *v)
+{
+    uint64_t count = (uint64_t)a->rows * a->cols;
+    double largest = 0.0;
+    for (uint64_t k = 0; k < count; k++) {
+        double magnitude = std::fabs(a->data[k]);
+        if (magnitude > largest || std::isnan(magnitude))
+            largest = magnitude;
+    }
+    int exponent = 0;
+    if (largest > 0.0 && std::isfinite(largest) && a->rows >= a->cols && v->rows >= a->cols &&
+        v->cols >= a->cols)
+        std::frexp(largest, &exponent);
+    for (uint64_t k = 0; exponent != 0 && k < count; k++)
+        a->data[k] = std::ldexp(a->data[k], -exponent);
+    int result = decompose(a, w, v);
+    for (uint32_t j = 1; exponent != 0 && j <= a->cols; j++)
+        w[j] = std::ldexp(w[j], exponent);
+    return result;
 }
 
 void svBackSubstitute(const Matrix *u, const double *b, double *x)

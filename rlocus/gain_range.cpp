@@ -94,3 +94,17 @@ void rootLocusAutoGain(const Complex *poles, const Complex *zeros, int32_t nP, i
         }
     }
 }
+
+/* The growth by same/3 + 1 compounds from step to step: where the turn test never halves
+** a step (branches on straight lines: the real axis, or vertical ones with real parts
+** exactly equal) it took 1/(s^2 + 2s + 2) to K = 1.6e9 and 1/s to -5.3e8 before the
+** locus could stop, with the start points lost in one dot.  Held at Kauto/4, the gain grows
+** by at most Kauto per four steps, and the locus stops soon after leaving twice the box. */
+double grownGainStep(double dK, int same, double Kauto)
+{
+    double grown = dK * (same / 3.0 + 1.0);
+    double most = std::fabs(Kauto) / 4.0;
+    if (grown > most)
+        grown = dK > most ? dK : most;
+    return grown;
+}

@@ -105,6 +105,10 @@ int32_t polyRoots(Complex *roots, const double *c, int32_t n, Matrix *W);
 ** every zero has a root on it.  Needs the auto buffers and gain of rootLocusState. */
 void rootLocusAutoGain(const Complex *poles, const Complex *zeros, int32_t nP, int32_t nZ, double *S,
                        double *Kauto, int32_t n);
+/* The automatic sweep's gain step after the step control has left the gain unchanged
+** `same` (> 3) steps in a row: dK grown by same/3 + 1, but to no more than a quarter of
+** the top gain Kauto (a step already larger stays). */
+double grownGainStep(double dK, int same, double Kauto);
 /* How many of the count roots lie outside the box: |Re| > S or |Im| > S. */
 int32_t countRootsOutside(const Complex *roots, double S, int32_t count);
 /* True when every zero has a root of rootLocusState.autoRoots (n of them) inside the box

@@ -19,5 +19,11 @@
 ** the largest |Re|, else the real part of largest magnitude; 0 when nothing was computed
 ** (n < 1, fewer than 2 steps, input not connected to output). */
 double rootLocus(PlotRecord *plot, const double *num, const double *den, int32_t n);
+/* As rootLocus for a loop given by its own roots (zeroCount, poleCount) and gain g instead
+** of the linearized model: the box, the automatic top gain and the branches' zeros come
+** from these roots, and currentXfer.gain is not touched.  num and den must be the
+** polynomials of those roots (n = poleCount >= zeroCount). */
+double rootLocusOfLoop(PlotRecord *plot, const double *num, const double *den, int32_t n, double gain,
+                       const Complex *zeros, int32_t zeroCount, const Complex *poles, int32_t poleCount);
 
 #endif

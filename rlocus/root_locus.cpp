@@ -449,7 +449,7 @@ static void sweep(PlotRecord *plot, double *parameters, int32_t steps, int32_t n
             Kprev = K;
             recordedK = K;
             if (same > 3)
-                dK = dK * (same / 3.0 + 1.0);
+                dK = grownGainStep(dK, same, Kend);
             else if (i > 1)
                 dK = K - lastK;
         }
@@ -457,36 +457,11 @@ static void sweep(PlotRecord *plot, double *parameters, int32_t steps, int32_t n
     }
 }
 
-double rootLocus(PlotRecord *plot, const double *num, const double *den, int32_t n)
+/* The sweep over a loop whose roots and gain are known; checks done by the callers. */
+static double locusOfLoop(PlotRecord *plot, const double *num, const double *den, int32_t n, const OpenLoop &loop)
 {
     RootLocusState &st = rootLocusState;
     int32_t steps = gainRange.steps;
-    if (n < 1 || steps < 2 || !plot || !num || !den)
-        return 0.0;
-    /* Every step is an eigenvalue problem, and the automatic mode may redo one over a
-    ** hundred times: a step count typed far beyond any plot (up to 2^31) would keep the
-    ** host busy for hours, so it is refused with a message instead. */
-    if (steps > ROOT_LOCUS_MAX_STEPS) {
-        winMsg("Root locus: %d steps are more than the %d a root locus plot can take.", steps, ROOT_LOCUS_MAX_STEPS);
-        return 0.0;
-    }
-    /* The taken set bounds the tracking; a larger order is refused, not drawn half. */
-    if (n > ROOT_LOCUS_MAX_BRANCHES) {
-        winMsg("Root locus: %d closed-loop poles are more than the %d branches that can be tracked.", n,
-               ROOT_LOCUS_MAX_BRANCHES);
-        return 0.0;
-    }
-    st.maxRe = st.maxIm = 0.0;
-    st.order = n;
-    st.numerator = num;
-    st.denominator = den;
-    const StateSpaceModel &model = stateSpaceModel;
-    if (!model.A || model.A->rows < 1 || !inputReachesOutput(model)) {
-        debMsg("Input not connected to output. Check for delay or saturated limit.");
-        return 0.0;
-    }
-    OpenLoop loop = openLoopOf(model);
-    currentXfer.gain = loop.gain;
     beginLocusRun(num, den, n, loop.gain);
     PlotParamInfo *info = attachParamInfo(plot, steps);
 
@@ -512,7 +487,58 @@ double rootLocus(PlotRecord *plot, const double *num, const double *den, int32_t
     }
 
     endLocusRun();
+    return std::fabs(st.maxIm) > std::fabs(st.maxRe) ? st.maxIm : st.maxRe;
+}
+
+/* False, after the message, when the run cannot be drawn. */
+static bool locusRunFits(PlotRecord *plot, const double *num, const double *den, int32_t n)
+{
+    int32_t steps = gainRange.steps;
+    if (n < 1 || steps < 2 || !plot || !num || !den)
+        return false;
+    /* Every step is an eigenvalue problem, and the automatic mode may redo one over a
+    ** hundred times: a step count typed far beyond any plot (up to 2^31) would keep the
+    ** host busy for hours, so it is refused with a message instead. */
+    if (steps > ROOT_LOCUS_MAX_STEPS) {
+        winMsg("Root locus: %d steps are more than the %d a root locus plot can take.", steps, ROOT_LOCUS_MAX_STEPS);
+        return false;
+    }
+    /* The taken set bounds the tracking; a larger order is refused, not drawn half. */
+    if (n > ROOT_LOCUS_MAX_BRANCHES) {
+        winMsg("Root locus: %d closed-loop poles are more than the %d branches that can be tracked.", n,
+               ROOT_LOCUS_MAX_BRANCHES);
+        return false;
+    }
+    RootLocusState &st = rootLocusState;
+    st.maxRe = st.maxIm = 0.0;
+    st.order = n;
+    st.numerator = num;
+    st.denominator = den;
+    return true;
+}
+
+double rootLocus(PlotRecord *plot, const double *num, const double *den, int32_t n)
+{
+    if (!locusRunFits(plot, num, den, n))
+        return 0.0;
+    const StateSpaceModel &model = stateSpaceModel;
+    if (!model.A || model.A->rows < 1 || !inputReachesOutput(model)) {
+        debMsg("Input not connected to output. Check for delay or saturated limit.");
+        return 0.0;
+    }
+    OpenLoop loop = openLoopOf(model);
+    currentXfer.gain = loop.gain;
+    double extreme = locusOfLoop(plot, num, den, n, loop);
     gfree(loop.zeros);
     gfree(loop.poles);
-    return std::fabs(st.maxIm) > std::fabs(st.maxRe) ? st.maxIm : st.maxRe;
+    return extreme;
+}
+
+double rootLocusOfLoop(PlotRecord *plot, const double *num, const double *den, int32_t n, double gain,
+                       const Complex *zeros, int32_t zeroCount, const Complex *poles, int32_t poleCount)
+{
+    if (!locusRunFits(plot, num, den, n))
+        return 0.0;
+    OpenLoop loop{const_cast<Complex *>(zeros), const_cast<Complex *>(poles), zeroCount, poleCount, gain};
+    return locusOfLoop(plot, num, den, n, loop);
 }

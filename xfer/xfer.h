@@ -59,8 +59,9 @@ void stateToZeros(Matrix *A, Matrix *B, Matrix *C, Matrix *D, Complex *zerosOut,
 ** denominator->coefficients (n + 2 doubles) receives the monic D(s), ascending; count = n + 1. */
 void stateToPoles(Matrix *A, Complex *polesOut, Polynomial *denominator);
 /* K such that K N(s)/D(s) = C (sI - A)^-1 B + D, N and D monic with the given roots,
-** from one LU solve at the real point s = 2 max(|root|) (2 without roots); 0 when G is 0
-** there or the solve fails (a singular or non-finite model). */
+** from LU solves at a few real points scaled by the largest root modulus, the one with
+** the least estimated error taken; 0 when G is 0 there or the solve fails (a singular
+** or non-finite model). */
 double xferGain(Matrix *A, Matrix *B, Matrix *C, Matrix *D, const Complex *poles,
                 const Complex *zeros, int32_t zeroCount, int32_t poleCount);
 /* The monic polynomial prod (s - roots[k]) into coefficientsOut[0..count] (ascending, real

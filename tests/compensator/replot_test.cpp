@@ -91,8 +91,8 @@ TEST_F(CompensatorTest, ReplotDrawsTheLoopsBodePlotsAndThreeBranchRootLocus)
     EXPECT_EQ(marginDialogs(), 1);
     EXPECT_STREQ(plotRecordOf(bodePhasePlot)->title, "Bode-Phase1");
 
-    /* Root locus of den + K g num with den = s (s + 1)(s + 10), num = s + 1, g = plant gain;
-    ** manual range 0 ... 100 in 50 steps */
+    /* Root locus of den + K g num with den = s (s + 1)(s + 10), num = s + 1, g = the loop
+    ** gain, 10 times the plant gain; manual range 0 ... 100 in 50 steps */
     ASSERT_NE(rootLocusPlot, nullptr);
     PlotRecord *locus = plotRecordOf(rootLocusPlot);
     EXPECT_EQ(locus->lastTraceIndex, 2);
@@ -110,7 +110,8 @@ TEST_F(CompensatorTest, ReplotDrawsTheLoopsBodePlotsAndThreeBranchRootLocus)
         /* every end point solves s^3 + 11 s^2 + (10 + 100 g) s + 100 g = 0 */
         Complex r = branchPoint(rootLocusPlot, j, 49);
         std::complex<double> s(r.re, r.im);
-        std::complex<double> p = s * s * s + 11.0 * s * s + (10.0 + 100.0 * plantGain) * s + 100.0 * plantGain;
+        double g = 10.0 * plantGain;
+        std::complex<double> p = s * s * s + 11.0 * s * s + (10.0 + 100.0 * g) * s + 100.0 * g;
         EXPECT_LT(std::abs(p), 1e-9 * (1.0 + std::pow(std::abs(s), 3))) << "branch " << j;
     }
     /* the plant gain is back once Replot is done */
@@ -161,7 +162,7 @@ TEST_F(CompensatorTest, AfterReplotAndCancelTheDialogReopensWithTheListsAsReplot
     EXPECT_EQ(shownControl("listbox", IDC_COMP_POLES), "  listbox 108: \"(-10,0)\"");
 }
 
-TEST_F(CompensatorTest, UpToTwoZerosMoreThanPolesStillGetARootLocus)
+TEST_F(CompensatorTest, MoreZerosThanPolesGetTheirBodePlotsButNoRootLocus)
 {
     for (const char *zero : {"-1", "-2", "-3"}) {
         type(IDC_COMP_ZERO_EDIT, zero);
@@ -171,10 +172,9 @@ TEST_F(CompensatorTest, UpToTwoZerosMoreThanPolesStillGetARootLocus)
     click(IDOK);
     design();
     EXPECT_EQ(marginDialogs(), 1);
-    EXPECT_LT(messageLine("The loop has 3 zeros but only 2 poles: no root locus is drawn."), 0)
+    EXPECT_GE(messageLine("The loop has 3 zeros but only 2 poles: no root locus is drawn."), 0)
         << platform::transcriptText();
-    ASSERT_NE(rootLocusPlot, nullptr);
-    EXPECT_EQ(plotRecordOf(rootLocusPlot)->lastTraceIndex, 1);
+    EXPECT_EQ(rootLocusPlot, nullptr);
     /* |L(jw)| = |(jw + 1)(jw + 2)(jw + 3)| / |jw (jw + 1)| at the first point, w = 0.1 */
     std::vector<double> magnitude = tracePoints(bodeMagnitudePlot);
     ASSERT_EQ(magnitude.size(), 50u);
