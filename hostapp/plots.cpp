@@ -222,6 +222,25 @@ uint64_t fingerprint(const PlotBlock &p, const std::string &path)
     return hash ? hash : 1;
 }
 
+/* The other Bode plot of the same run: the plug-in titles the pair "Bode-Magnitude<n>"
+** and "Bode-Phase<n>". */
+const PlotRecord *companionOf(const PlotBlock &p)
+{
+    std::string title = recordText(p.record.title, sizeof p.record.title);
+    static const std::string MAGNITUDE = "Bode-Magnitude", PHASE = "Bode-Phase";
+    std::string other;
+    if (title.rfind(MAGNITUDE, 0) == 0)
+        other = PHASE + title.substr(MAGNITUDE.size());
+    else if (title.rfind(PHASE, 0) == 0)
+        other = MAGNITUDE + title.substr(PHASE.size());
+    else
+        return nullptr;
+    for (auto it = store().rbegin(); it != store().rend(); ++it)
+        if (recordText((*it)->record.title, sizeof (*it)->record.title) == other)
+            return &(*it)->record;
+    return nullptr;
+}
+
 /* Writes the plot's picture, unless the file already shows it; says in the transcript
 ** which file, or why not. */
 void writePlot(PlotBlock &p, bool note)
@@ -236,7 +255,9 @@ void writePlot(PlotBlock &p, bool note)
         return;
     }
     p.writtenFingerprint = 0;
-    if (!writeSvgFile(path, renderPlotSvg(p.view()), &error)) {
+    PlotView view = p.view();
+    view.companion = companionOf(p);
+    if (!writeSvgFile(path, renderPlotSvg(view), &error)) {
         platform::transcriptNote("[plot] cannot write " + path + ": " + error);
         return;
     }
