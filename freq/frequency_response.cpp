@@ -5,6 +5,7 @@
 */
 #include "freq/frequency_response.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -62,6 +63,10 @@ static void setupNyquistPlot(PlotRecord *plot, const RangeSettings *range)
 {
     plot->flagsA |= PLOT_A_FIXED_SWEEP;
     setupFrequencyPlot(plot, "Nyquist", range);
+    /* The curve's own count replaces this one; a count beyond what a plot holds is cut
+    ** there, with one message, and must not make the host refuse these first reservations. */
+    if (range->steps > NYQUIST_MOST_POINTS)
+        plot->pointCount = (uint32_t)NYQUIST_MOST_POINTS;
     plot->flagsD |= PLOT_D_NYQUIST;
     plot->yLabel[0] = '\0';
     nameTraceIfUnnamed(&plot->traces[1], "Imaginary");
@@ -175,6 +180,20 @@ static void sampledNyquist(PlotRecord *plot, const Factors *f, double unitFactor
                            f->gain);
 }
 
+/* Every point of a response takes a product over the poles and zeros: a run of more
+** points × states than this (a few seconds) is refused, as a step count in the millions
+** on a model of hundreds of states would keep the host busy for minutes. */
+static const int64_t MOST_POINT_STATES = int64_t(1) << 28;
+
+static bool workFits(const char *analysis, int64_t points, int32_t order)
+{
+    if (points * order <= MOST_POINT_STATES)
+        return true;
+    winMsg("%s: %lld points for %d states are more than a plot takes (%lld points times states); "
+           "choose fewer steps.", analysis, (long long)points, order, (long long)MOST_POINT_STATES);
+    return false;
+}
+
 void frequencyResponse(HostBlock *primaryPlot, HostBlock *magnitudePlot, RangeSettings *range, Complex *zeros,
                        Complex *poles, int32_t zeroCount, int32_t poleCount, int32_t order, uint8_t nyquist,
                        double samplePeriod)
@@ -190,6 +209,11 @@ void frequencyResponse(HostBlock *primaryPlot, HostBlock *magnitudePlot, RangeSe
     if (order < 1 || range->steps < 2)
         return;
     if (!rangeIsUsable(range))
+        return;
+    /* Bode points the host could not reserve are refused by the host already. */
+    int64_t points = nyquist ? std::min<int64_t>(std::max(range->steps, 1000), NYQUIST_MOST_POINTS) : range->steps;
+    bool reserved = nyquist || (magnitude->traces[0].points.items && primary->traces[0].points.items);
+    if (reserved && !workFits(nyquist ? "Nyquist" : "Bode", points, order))
         return;
 
     Factors f = {};

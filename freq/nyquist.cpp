@@ -25,10 +25,14 @@ static const double SAMPLED_LOWEST = 1e-4;
 /* A pole this close to the unit circle lies on it. */
 static const double UNIT_CIRCLE_TOLERANCE = 1e-4;
 
-/* A run never asks for more points than this (three arrays of doubles, about 100 MB):
-** the step count comes from the settings file and the detoured count grows with the
-** square of the number of imaginary-axis poles. */
-static const int64_t MOST_POINTS = 1 << 22;
+static const int64_t MOST_POINTS = NYQUIST_MOST_POINTS;
+
+/* The one message of a run whose step count was cut to what a plot holds. */
+static void noteCutSteps(int32_t steps, int32_t drawn)
+{
+    winMsg("Nyquist: %d steps are more than the %d points a plot holds; the curve is drawn with %d points.",
+           steps, NYQUIST_MOST_POINTS, drawn);
+}
 
 void nyquistPoint(Complex s, const NyquistSystem &system, double *x, double *y)
 {
@@ -186,6 +190,8 @@ double *nyquistResponse(int32_t zeroCount, int32_t poleCount, Complex *poles, Co
         total = steps > MOST_POINTS ? (int32_t)MOST_POINTS : steps;
     }
 
+    if (steps > MOST_POINTS)
+        noteCutSteps(steps, total);
     double *W = (double *)galloc((uint64_t)(total + 1) * sizeof(double));
     NyquistCurve curve = reserveTraces(plot, total, W);
     nyquistInfinity = DEFAULT_INFINITY;
@@ -210,8 +216,10 @@ void prepareSampledNyquist(PlotRecord *plot)
         frequencyRange.start = SAMPLED_LOWEST;
     if (frequencyRange.steps < LEAST_STEPS)
         frequencyRange.steps = LEAST_STEPS;
-    if (frequencyRange.steps > MOST_POINTS)
+    if (frequencyRange.steps > MOST_POINTS) {
+        noteCutSteps(frequencyRange.steps, (int32_t)MOST_POINTS);
         frequencyRange.steps = (int32_t)MOST_POINTS;
+    }
     reserveTraces(plot, frequencyRange.steps, nullptr);
 }
 

@@ -10,6 +10,11 @@
 #include "host/records.h"
 #include "platform/winapi.h"
 
+/* A run never draws more points than this (three arrays of doubles, about 100 MB): the
+** step count comes from the settings file and the detoured count grows with the square of
+** the number of imaginary-axis poles. The plot is reserved for at most this many. */
+inline constexpr int32_t NYQUIST_MOST_POINTS = 1 << 22;
+
 /* R∞, the response size at which a detour around an imaginary-axis pole starts; every
 ** run sets it to 10, the NYQUISTINFINITI dialog may change it (never below 2). */
 extern double nyquistInfinity;

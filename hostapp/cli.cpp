@@ -6,12 +6,13 @@
 #include "hostapp/cli.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,7 @@
 #include "hostapp/plugin_loader.h"
 #include "hostapp/report_command.h"
 #include "hostapp/serve.h"
+#include "hostapp/text_file.h"
 #include "platform/driver.h"
 
 namespace hostapp {
@@ -132,6 +134,25 @@ bool isFile(const std::string &path)
     return stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
 }
 
+/* Creates the output folder when missing; a path that is no folder, or a folder that
+** cannot be written into, is refused before any command runs. */
+bool prepareOutputFolder(const std::string &path, std::string &error)
+{
+    if (mkdir(path.c_str(), 0755) != 0 && errno != EEXIST) {
+        error = "cannot create output folder " + path + ": " + std::strerror(errno);
+        return false;
+    }
+    struct stat info;
+    int reason = stat(path.c_str(), &info) != 0 ? errno
+                 : !S_ISDIR(info.st_mode)        ? ENOTDIR
+                 : access(path.c_str(), W_OK | X_OK) != 0 ? errno : 0;
+    if (reason) {
+        error = "cannot write into output folder " + path + ": " + std::strerror(reason);
+        return false;
+    }
+    return true;
+}
+
 /* Splits a script line into words; "double quotes" keep blanks. */
 bool splitWords(const std::string &line, std::vector<std::string> &words, std::string &error)
 {
@@ -192,11 +213,10 @@ bool parseCommandWords(const std::vector<std::string> &words, const std::string 
 
 bool readScript(Session &session, std::string &error)
 {
-    std::ifstream in(session.scriptPath);
-    if (!in) {
-        error = "cannot read script " + session.scriptPath + ": " + std::strerror(errno);
+    std::string text;
+    if (!readTextFile(session.scriptPath, "script", SCRIPT_FILE_LIMIT, text, error))
         return false;
-    }
+    std::istringstream in(text);
     std::string line;
     int lineNumber = 0;
     while (std::getline(in, line)) {
@@ -470,6 +490,12 @@ int runStep(const SessionStep &step, const Session &session)
 
 }
 
+int checkCommandLine(int argc, char **argv)
+{
+    Session session;
+    return parseArguments(argc, argv, session);
+}
+
 int runCommandLine(int argc, char **argv)
 {
     Session session;
@@ -477,15 +503,15 @@ int runCommandLine(int argc, char **argv)
     if (status >= 0)
         return status;
 
+    std::string error;
     HostState &state = host();
     state.version = session.hostVersion;
     state.revision = session.hostRevision;
     state.settingsPath = session.settingsPath.empty() ? defaultSettingsPath() : session.settingsPath;
     state.outputDir = session.outputDir;
-    if (mkdir(session.outputDir.c_str(), 0755) != 0 && errno != EEXIST)
-        return unusable("cannot create output folder " + session.outputDir + ": " + std::strerror(errno));
+    if (!prepareOutputFolder(session.outputDir, error))
+        return unusable(error);
 
-    std::string error;
     state.mainWindow = platform::createMainWindow("Tervan");
     platform::setMainWindowHandler(mainWindowMessage);
     if (!session.diagramPath.empty() && !loadDiagramFile(session.diagramPath, error))

@@ -5,11 +5,7 @@
 ** wire or entry at fault and the line of the file where it stands.
 */
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <set>
 #include <sstream>
 #include <stdexcept>
@@ -20,6 +16,7 @@
 #include "hostapp/engine.h"
 #include "hostapp/expression_block.h"
 #include "hostapp/host_state.h"
+#include "hostapp/text_file.h"
 
 namespace hostapp {
 
@@ -802,7 +799,7 @@ void Loader::setInitial(Block &block, const json &value, const std::string &poin
 
 void Loader::resolveSignals()
 {
-    forEachBlock(diagram_.blocks, [this](Block &block) {
+    forEachBlock(diagram_.blocks, [](Block &block) {
         for (const auto &point : block.outputs)
             point->signal = outputSignal(point.get());
         for (const auto &point : block.inputs) {
@@ -916,20 +913,8 @@ bool loadDiagramText(const std::string &text, const std::string &name, std::stri
 
 bool loadDiagramFile(const std::string &path, std::string &error)
 {
-    /* A directory opens as a stream but reads as nothing. */
-    std::error_code ignored;
-    if (std::filesystem::is_directory(path, ignored)) {
-        error = "cannot read diagram " + path + ": " + std::strerror(EISDIR);
-        return false;
-    }
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
-        error = "cannot read diagram " + path + ": " + std::strerror(errno);
-        return false;
-    }
-    std::stringstream text;
-    text << in.rdbuf();
-    return loadDiagramText(text.str(), path, error);
+    std::string text;
+    return readTextFile(path, "diagram", DIAGRAM_FILE_LIMIT, text, error) && loadDiagramText(text, path, error);
 }
 
 }

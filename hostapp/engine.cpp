@@ -5,6 +5,9 @@
 */
 #include <algorithm>
 #include <set>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 
 #include "hostapp/diagram.h"
 #include "hostapp/engine.h"
@@ -204,20 +207,24 @@ Point *findPoint(Diagram &diagram, const std::string &blockDotPort, std::string 
 
 bool setSelection(Diagram &diagram, const std::vector<std::string> &ids, std::string &error, size_t &failed)
 {
+    std::unordered_map<std::string_view, Block *> byId;
+    if (!ids.empty())
+        for (const auto &block : diagram.blocks)
+            byId.emplace(block->id, block.get());
     std::vector<Block *> selection;
+    std::unordered_set<Block *> named;
     for (failed = 0; failed < ids.size(); ++failed) {
         const std::string &id = ids[failed];
-        auto found = std::find_if(diagram.blocks.begin(), diagram.blocks.end(),
-                                  [&](const auto &block) { return block->id == id; });
-        if (found == diagram.blocks.end()) {
+        auto found = byId.find(id);
+        if (found == byId.end()) {
             error = "selection: no block '" + id + "' at the top level of the diagram";
             return false;
         }
-        if (std::find(selection.begin(), selection.end(), found->get()) != selection.end()) {
+        if (!named.insert(found->second).second) {
             error = "selection: block '" + id + "' is named twice";
             return false;
         }
-        selection.push_back(found->get());
+        selection.push_back(found->second);
     }
     if (ids.empty())
         for (const auto &block : diagram.blocks)

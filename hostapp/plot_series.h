@@ -20,6 +20,8 @@ struct PlotView {
     const PlotRecord *record = nullptr;
     std::vector<const PlotPointBuffer *> xBuffers;
     std::vector<const PlotPointBuffer *> yBuffers;
+    /* The other plot of a Bode pair (magnitude for phase and back), for the margins. */
+    const PlotRecord *companion = nullptr;
 };
 
 /* One curve as stored: y values are the plot's own (a magnitude is a ratio);

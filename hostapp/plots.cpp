@@ -37,6 +37,11 @@ struct PlotBlock {
     bool shown = false;
     std::string baseName;               /* given at the first show, kept for the plot's life */
     uint64_t writtenFingerprint = 0;    /* of what the file last written shows; 0: none */
+    struct {
+        PlotParamInfo *info;
+        double *parameters;
+        int32_t *zeroBranches;
+    } held{};                           /* the parameter blocks last seen on the record */
 
     PlotBlock(int atX, int atY) : x(atX), y(atY)
     {
@@ -50,13 +55,26 @@ struct PlotBlock {
         freeBuffers();
         for (PlotTrace &t : record.traces)
             gfree(t.points.items);
-        /* The parameter record and its parameter array belong to the plot.  The
-        ** zero-branch array is not freed: the plug-in sets that pointer only after
-        ** some runs, so it may hold no allocation at all. */
-        if (record.paramInfo) {
-            gfree(record.paramInfo->parameters);
-            gfree(record.paramInfo);
-        }
+        releaseReplacedParameters();    /* takes over what hangs on the record now */
+        record.paramInfo = nullptr;
+        releaseReplacedParameters();    /* and frees it */
+    }
+
+    /* A parameter record and its arrays, once hung on the plot, belong to it. A later run
+    ** into the same plot hangs a new record (or new arrays on the old one) in their place;
+    ** the host frees the replaced ones the next time it handles the plot. */
+    void releaseReplacedParameters()
+    {
+        PlotParamInfo *info = record.paramInfo;
+        double *parameters = info ? info->parameters : nullptr;
+        int32_t *zeroBranches = info ? info->zeroBranches : nullptr;
+        if (held.parameters != parameters)
+            gfree(held.parameters);
+        if (held.zeroBranches != zeroBranches)
+            gfree(held.zeroBranches);
+        if (held.info != info)
+            gfree(held.info);
+        held = {info, parameters, zeroBranches};
     }
 
     void freeBuffers()
@@ -88,11 +106,19 @@ std::vector<std::unique_ptr<PlotBlock>> &store()
     return blocks;
 }
 
+/* The lookups below serve every plot service the plug-in calls; each releases what the
+** plug-in replaced on the plot it finds. */
+PlotBlock *handled(PlotBlock *p)
+{
+    p->releaseReplacedParameters();
+    return p;
+}
+
 PlotBlock *findBlock(const HostBlock *block)
 {
     for (auto &p : store())
         if (&p->block == block)
-            return p.get();
+            return handled(p.get());
     return nullptr;
 }
 
@@ -100,7 +126,7 @@ PlotBlock *findByRecord(const PlotRecord *record)
 {
     for (auto &p : store())
         if (&p->record == record)
-            return p.get();
+            return handled(p.get());
     return nullptr;
 }
 
@@ -111,7 +137,7 @@ PlotBlock *findByTraceList(const HostList *points, int *trace)
         for (int k = 0; k < PLOT_MAX_TRACES; ++k)
             if (&p->record.traces[k].points == points) {
                 *trace = k;
-                return p.get();
+                return handled(p.get());
             }
     return nullptr;
 }
@@ -223,6 +249,25 @@ uint64_t fingerprint(const PlotBlock &p, const std::string &path)
     return hash ? hash : 1;
 }
 
+/* The other Bode plot of the same run: the plug-in titles the pair "Bode-Magnitude<n>"
+** and "Bode-Phase<n>". */
+const PlotRecord *companionOf(const PlotBlock &p)
+{
+    std::string title = recordText(p.record.title, sizeof p.record.title);
+    static const std::string MAGNITUDE = "Bode-Magnitude", PHASE = "Bode-Phase";
+    std::string other;
+    if (title.rfind(MAGNITUDE, 0) == 0)
+        other = PHASE + title.substr(MAGNITUDE.size());
+    else if (title.rfind(PHASE, 0) == 0)
+        other = MAGNITUDE + title.substr(PHASE.size());
+    else
+        return nullptr;
+    for (auto it = store().rbegin(); it != store().rend(); ++it)
+        if (recordText((*it)->record.title, sizeof (*it)->record.title) == other)
+            return &(*it)->record;
+    return nullptr;
+}
+
 /* Writes the plot's picture and, beside it, its numbers, unless the files already show
 ** them; says in the transcript which picture, or what could not be written. */
 void writePlot(PlotBlock &p, bool note)
@@ -238,7 +283,9 @@ void writePlot(PlotBlock &p, bool note)
         return;
     }
     p.writtenFingerprint = 0;
-    if (!writeSvgFile(path, renderPlotSvg(p.view()), &error)) {
+    PlotView view = p.view();
+    view.companion = companionOf(p);
+    if (!writeSvgFile(path, renderPlotSvg(view), &error)) {
         platform::transcriptNote("[plot] cannot write " + path + ": " + error);
         return;
     }

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <fstream>
+#include <functional>
 
 #include "hostapp/locus_marks.h"
 #include "hostapp/plot_bounds.h"
@@ -421,9 +422,22 @@ void drawDirectionArrows(SvgWriter &svg, const std::vector<Pixel> &points, const
     }
 }
 
+/* The value of a frequency curve at frequency f, interpolated over log f; NaN outside. */
+double valueAt(const PlotSeries &s, double f)
+{
+    for (size_t i = 1; i < s.x.size(); ++i) {
+        double a = s.x[i - 1], b = s.x[i];
+        if (!(a > 0 && b > 0 && f > 0) || (f - a) * (f - b) > 0 || a == b)
+            continue;
+        double t = (std::log10(f) - std::log10(a)) / (std::log10(b) - std::log10(a));
+        return s.y[i - 1] + t * (s.y[i] - s.y[i - 1]);
+    }
+    return NAN;
+}
+
 /* Where a frequency curve crosses the level (in scaled units), with the frequencies. */
 void drawCrossings(SvgWriter &svg, const Axis &x, const Axis &y, const PlotSeries &s, double level,
-                   const std::string &what)
+                   const std::string &what, const std::function<std::string(double)> &margin)
 {
     double py = y.pixelOfScaled(level);
     if (!std::isfinite(py) || py < AREA_TOP || py > AREA_BOTTOM)
@@ -443,7 +457,7 @@ void drawCrossings(SvgWriter &svg, const Axis &x, const Axis &y, const PlotSerie
             continue;
         svg.text += "<circle class=\"crossover\" cx=\"" + number(px) + "\" cy=\"" + number(py) +
                     "\" r=\"4\" fill=\"#ffffff\" stroke=\"#000000\" stroke-width=\"1.5\"/>\n";
-        svg.label(px + 6, py + (shown % 2 ? 16 : -7), what + " at " + number(frequency, "%.3g"),
+        svg.label(px + 6, py + (shown % 2 ? 16 : -7), what + " at " + number(frequency, "%.3g") + margin(frequency),
                   "class=\"crossover-label\" font-size=\"11\"");
         ++shown;
     }
@@ -567,14 +581,40 @@ std::string renderPlotSvg(const PlotView &view)
         }
     }
     if (kind == PlotKind::Frequency && !curves.empty()) {
-        if (y.decibels || y.logarithmic)
-            drawCrossings(svg, x, y, curves[0], 0.0, "0 dB");
-        else if (yLabel.rfind("Phase", 0) == 0) {
+        /* The margins are read off the other plot of the pair at the crossing frequency. */
+        PlotSeries other;
+        if (view.companion) {
+            PlotView companion;
+            companion.record = view.companion;
+            std::vector<PlotSeries> series = plotSeries(companion);
+            if (!series.empty())
+                other = series[0];
+        }
+        std::string otherLabel = view.companion ? recordText(view.companion->yLabel, sizeof view.companion->yLabel) : "";
+        if (y.decibels || y.logarithmic) {
+            double turn = otherLabel.find("Rad") != std::string::npos ? 2 * M_PI : 360.0;
+            drawCrossings(svg, x, y, curves[0], 0.0, "0 dB", [&](double f) {
+                double phase = valueAt(other, f);
+                if (!std::isfinite(phase))
+                    return std::string();
+                double margin = phase + turn / 2 - turn * std::floor((phase + turn / 2) / turn + 0.5);
+                return ", phase margin " + number(turn == 360.0 ? margin : margin * 180.0 / M_PI, "%.3g") + " deg";
+            });
+        } else if (yLabel.rfind("Phase", 0) == 0) {
             /* -180 degrees (or -pi) and every full turn from it that is in view. */
             double halfTurn = yLabel.find("Rad") != std::string::npos ? M_PI : 180.0;
+            /* Magnitudes vary by decades between grid points: interpolated as logarithms. */
+            for (double &v : other.y)
+                v = v > 0 ? std::log10(v) : NAN;
             for (double level = -halfTurn + 2 * halfTurn * std::ceil((y.lo + halfTurn) / (2 * halfTurn));
                  level <= y.hi && level < y.lo + 40 * halfTurn; level += 2 * halfTurn)
-                drawCrossings(svg, x, y, curves[0], level, number(level, "%g") + (halfTurn == 180.0 ? " deg" : " rad"));
+                drawCrossings(svg, x, y, curves[0], level, number(level, "%g") + (halfTurn == 180.0 ? " deg" : " rad"),
+                              [&](double f) {
+                                  double logMagnitude = valueAt(other, f);
+                                  if (!std::isfinite(logMagnitude))
+                                      return std::string();
+                                  return ", gain margin " + number(-20.0 * logMagnitude, "%.3g") + " dB";
+                              });
         }
     }
     if (kind == PlotKind::RootLocus) {

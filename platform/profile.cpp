@@ -3,12 +3,14 @@
 ** semantics; a write keeps every other line of the file and replaces it atomically.
 */
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -42,10 +44,23 @@ private:
     int fd_;
 };
 
-/* A settings file as lines, with the line break the file uses. */
+/* A settings file as lines, each with the line break it ended with ("" for a last line
+** without one); a line added by a write takes the break of the file's first line. */
 struct IniText {
     std::vector<std::string> lines;
+    std::vector<std::string> breaks;
     std::string lineBreak = "\n";
+
+    void insert(size_t at, const std::string &line)
+    {
+        lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(at), line);
+        breaks.insert(breaks.begin() + static_cast<std::ptrdiff_t>(at), lineBreak);
+    }
+    void erase(size_t from, size_t to)
+    {
+        lines.erase(lines.begin() + static_cast<std::ptrdiff_t>(from), lines.begin() + static_cast<std::ptrdiff_t>(to));
+        breaks.erase(breaks.begin() + static_cast<std::ptrdiff_t>(from), breaks.begin() + static_cast<std::ptrdiff_t>(to));
+    }
 };
 
 enum class ReadResult { Read, Missing, Unreadable };
@@ -82,12 +97,15 @@ ReadResult readIni(const std::string &path, IniText &ini, std::string &reason)
         if (end == std::string::npos)
             end = text.size();
         std::string line = text.substr(start, end - start);
+        std::string lineBreak = end < text.size() ? "\n" : "";
         if (!line.empty() && line.back() == '\r') {
             line.pop_back();
-            if (ini.lines.empty())
-                ini.lineBreak = "\r\n";
+            lineBreak.insert(0, "\r");
         }
+        if (ini.lines.empty() && !lineBreak.empty())
+            ini.lineBreak = lineBreak;
         ini.lines.push_back(line);
+        ini.breaks.push_back(lineBreak);
         start = end + 1;
     }
     return ReadResult::Read;
@@ -216,30 +234,85 @@ bool writeFailure(const std::string &path, const std::string &reason)
     return false;
 }
 
-/* Writes the file next to its final place and renames it there, so that a reader sees the
-** old file or the new one, never a part. */
-bool replaceFile(const std::string &path, const IniText &ini, std::string &reason)
+/* The file a settings path names: a symbolic link is followed to its target (which may not
+** exist yet), so that a write replaces the target and leaves the link in place. */
+std::string linkTarget(const std::string &path)
 {
+    std::string target = path;
+    for (int hops = 0; hops < 40; ++hops) {     /* the kernel's own limit on nested links */
+        struct stat info{};
+        if (::lstat(target.c_str(), &info) != 0 || !S_ISLNK(info.st_mode))
+            return target;
+        std::vector<char> link(static_cast<size_t>(info.st_size > 0 ? info.st_size : PATH_MAX) + 1);
+        ssize_t n = ::readlink(target.c_str(), link.data(), link.size() - 1);
+        if (n < 0)
+            return target;
+        std::string next(link.data(), static_cast<size_t>(n));
+        size_t slash = target.find_last_of('/');
+        target = next[0] == '/' || slash == std::string::npos ? next : target.substr(0, slash + 1) + next;
+    }
+    return target;
+}
+
+/* Opens the temporary file a write of `path` goes through, locked against other writers.
+** Its name is fixed, so that the leftover of a write killed before its rename is reused
+** (truncated) by the next write rather than left beside the settings file. */
+int openTemporary(const std::string &temporary)
+{
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+        if (fd < 0)
+            return -1;
+        struct stat opened{}, named{};
+        if (::flock(fd, LOCK_EX) != 0 || ::fstat(fd, &opened) != 0) {
+            int error = errno;
+            ::close(fd);
+            errno = error;
+            return -1;
+        }
+        if (::stat(temporary.c_str(), &named) == 0 && opened.st_ino == named.st_ino && opened.st_dev == named.st_dev) {
+            if (::ftruncate(fd, 0) == 0)
+                return fd;
+            int error = errno;
+            ::close(fd);
+            errno = error;
+            return -1;
+        }
+        ::close(fd);    /* another writer renamed it into place while we waited for the lock */
+    }
+    errno = EBUSY;
+    return -1;
+}
+
+/* Writes the file next to its final place and renames it there, so that a reader sees the
+** old file or the new one, never a part. A file without write permission is not replaced
+** (the host's users mark a settings file read-only to keep it as it is). */
+bool replaceFile(const std::string &settingsPath, const IniText &ini, std::string &reason)
+{
+    std::string path = linkTarget(settingsPath);
+    struct stat old{};
+    bool exists = ::stat(path.c_str(), &old) == 0;
+    if (exists && ((old.st_mode & 0222) == 0 || ::access(path.c_str(), W_OK) != 0)) {
+        reason = std::strerror(EACCES);
+        return false;
+    }
     size_t slash = path.find_last_of('/');
     std::string folder = slash == std::string::npos ? "." : (slash == 0 ? "/" : path.substr(0, slash));
     std::string base = slash == std::string::npos ? path : path.substr(slash + 1);
-    std::string temporary = folder + "/." + base + ".XXXXXX";
-    std::vector<char> name(temporary.begin(), temporary.end());
-    name.push_back('\0');
-    FileDescriptor fd(mkstemp(name.data()));
+    std::string temporary = folder + "/." + base + ".tmp";
+    FileDescriptor fd(openTemporary(temporary));
     if (fd.get() < 0) {
         reason = std::strerror(errno);
         return false;
     }
     auto failAndRemove = [&](int error) {
         reason = std::strerror(error);
+        ::unlink(temporary.c_str());
         fd.close();
-        ::unlink(name.data());
         return false;
     };
-    struct stat old{};
     mode_t mode;
-    if (::stat(path.c_str(), &old) == 0) {
+    if (exists) {
         mode = old.st_mode & 07777;
     } else {
         mode_t mask = ::umask(0);
@@ -249,8 +322,8 @@ bool replaceFile(const std::string &path, const IniText &ini, std::string &reaso
     if (::fchmod(fd.get(), mode) != 0)
         return failAndRemove(errno);
     std::string text;
-    for (const std::string &line : ini.lines)
-        text += line + ini.lineBreak;
+    for (size_t i = 0; i < ini.lines.size(); ++i)
+        text += ini.lines[i] + (ini.breaks[i].empty() ? ini.lineBreak : ini.breaks[i]);
     size_t written = 0;
     while (written < text.size()) {
         ssize_t n = ::write(fd.get(), text.data() + written, text.size() - written);
@@ -260,12 +333,13 @@ bool replaceFile(const std::string &path, const IniText &ini, std::string &reaso
             return failAndRemove(errno);
         written += static_cast<size_t>(n);
     }
-    if (::fsync(fd.get()) != 0 || fd.close() != 0)
+    if (::fsync(fd.get()) != 0)
         return failAndRemove(errno);
-    if (::rename(name.data(), path.c_str()) != 0) {
-        int error = errno;
-        ::unlink(name.data());
-        reason = std::strerror(error);
+    /* Renamed while still locked, so that a writer waiting for the lock finds the name gone. */
+    if (::rename(temporary.c_str(), path.c_str()) != 0)
+        return failAndRemove(errno);
+    if (fd.close() != 0) {
+        reason = std::strerror(errno);
         return false;
     }
     return true;
@@ -344,13 +418,12 @@ BOOL WritePrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR value, LPCSTR
     if (!key) {
         if (!range.found)
             return TRUE;
-        lines.erase(lines.begin() + static_cast<std::ptrdiff_t>(range.header),
-                    lines.begin() + static_cast<std::ptrdiff_t>(range.end));
+        ini.erase(range.header, range.end);
     } else if (!value) {
         auto at = findKey(ini, range, key);
         if (!at)
             return TRUE;
-        lines.erase(lines.begin() + static_cast<std::ptrdiff_t>(*at));
+        ini.erase(*at, *at + 1);
     } else {
         std::string entry = std::string(key) + "=" + value;
         if (auto at = findKey(ini, range, key)) {
@@ -366,12 +439,12 @@ BOOL WritePrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR value, LPCSTR
                 for (size_t i = range.header + 1; i < range.end; ++i)
                     if (!trim(lines[i]).empty())
                         after = i;
-            lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(after + 1), entry);
+            ini.insert(after + 1, entry);
         } else {
             if (!lines.empty() && !trim(lines.back()).empty())
-                lines.push_back("");
-            lines.push_back("[" + std::string(section) + "]");
-            lines.push_back(entry);
+                ini.insert(lines.size(), "");
+            ini.insert(lines.size(), "[" + std::string(section) + "]");
+            ini.insert(lines.size(), entry);
         }
     }
     if (!replaceFile(path, ini, reason))

@@ -15,8 +15,9 @@
 
 /* The taken set has one bit per branch: the locus tracks at most this many branches. */
 inline constexpr int32_t ROOT_LOCUS_MAX_BRANCHES = 1024;
-/* The most gain steps of one sweep (see rootLocus). */
+/* The most gain steps of one sweep, and of steps times poles cubed (see rootLocus). */
 inline constexpr int32_t ROOT_LOCUS_MAX_STEPS = 1 << 16;
+inline constexpr int64_t ROOT_LOCUS_MOST_WORK = int64_t(1) << 34;
 
 /* Module state of the root locus.  The step buffers (closedLoop, companion, roots,
 ** previous and the tracking buffers) are kept from run to run and enlarged when the

@@ -509,6 +509,14 @@ static bool locusRunFits(PlotRecord *plot, const double *num, const double *den,
                ROOT_LOCUS_MAX_BRANCHES);
         return false;
     }
+    /* A step whose roots cannot be tracked falls back to the eigenvalues of the n x n
+    ** companion matrix, about n^3 operations: more steps x n^3 than this (some seconds even
+    ** if every step fell back) are refused, as 65536 steps of 1000 poles would take hours. */
+    if ((int64_t)steps * n * n * n > ROOT_LOCUS_MOST_WORK) {
+        winMsg("Root locus: %d steps for %d closed-loop poles are more than a root locus run takes "
+               "(%lld steps times poles cubed); choose fewer steps.", steps, n, (long long)ROOT_LOCUS_MOST_WORK);
+        return false;
+    }
     RootLocusState &st = rootLocusState;
     st.maxRe = st.maxIm = 0.0;
     st.order = n;

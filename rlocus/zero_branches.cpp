@@ -70,7 +70,7 @@ void assignZeroBranches(PlotRecord *plot, const Complex *endpoints, double S, in
     int32_t *zeroBranches = (int32_t *)galloc(sizeof(int32_t) * (size_t)nZ);
     for (int32_t k = 0; k < nZ; ++k)
         zeroBranches[k] = NO_BRANCH;
-    gfree(plot->paramInfo->zeroBranches);
+    /* An array already on the record belongs to the plot, which frees what is replaced. */
     plot->paramInfo->zeroBranches = zeroBranches;
 
     /* Every branch ends at a zero.  These entries count branches from 1, the others

@@ -5,7 +5,8 @@ set -euo pipefail
 
 packages=(cmake g++ make pkg-config googletest libgtest-dev libbenchmark-dev
           nlohmann-json3-dev liblapacke-dev libpugixml-dev libcpp-httplib-dev libgraphviz-dev libmuparser-dev
-          nodejs npm chromium fonts-liberation)
+          nodejs npm chromium fonts-liberation
+          clang libfuzzer-14-dev libclang-rt-14-dev)
 
 missing=()
 # Machines with NodeSource's nodejs carry npm inside it, and that nodejs conflicts with

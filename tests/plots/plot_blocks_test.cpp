@@ -38,7 +38,9 @@ TEST_F(PlotTest, DeletingFreesWhatHangsOnThePlot)
     HostBlock *block = makeRootLocusPlot(2);
     PlotRecord *plot = plotRecordOf(block);
     plot->paramInfo = (PlotParamInfo *)galloc(sizeof(PlotParamInfo));
+    *plot->paramInfo = PlotParamInfo{};
     plot->paramInfo->parameters = (double *)galloc(50 * sizeof(double));
+    plot->paramInfo->zeroBranches = (int32_t *)galloc(2 * sizeof(int32_t));
     preallocDList(&plot->traces[0].points, &plot->pointIndex);
     storeBranch(plot, 1, std::vector<double>(300, -1.0), std::vector<double>(300, 0.0));
     hostapp::deletePlotBlock(block);

@@ -143,12 +143,14 @@ TEST(PlotMarks, RootLocusFramesPolesZerosAndClosedLoopPoles)
 TEST(PlotMarks, BodeMarksItsCrossoversFromTheCurves)
 {
     pugi::xml_document doc;
-    /* 20/(s(s+1)(s+10)) reaches -180 degrees at sqrt(10) rad/s. */
+    /* 20/(s(s+1)(s+10)) reaches -180 degrees at sqrt(10) rad/s, where |L| = 2/11: a gain
+    ** margin of 20 log10 5.5 = 14.8 dB. */
     runPlot(loopDiagram("[20]", "[1, 11, 10, 0]"), "bode", "Bode-Phase.svg", doc);
-    EXPECT_EQ(texts(doc, "crossover-label"), std::vector<std::string>{"-180 deg at 3.16"});
-    /* |L| = 1 where w^2 (w^2 + 1)(w^2 + 100) = 400: w = 1.244. */
+    EXPECT_EQ(texts(doc, "crossover-label"), std::vector<std::string>{"-180 deg at 3.16, gain margin 14.8 dB"});
+    /* |L| = 1 where w^2 (w^2 + 1)(w^2 + 100) = 400: w = 1.2442, phase -90 - atan(1.2442)
+    ** - atan(0.12442) = -148.3 degrees, a phase margin of 31.7 degrees. */
     runPlot(loopDiagram("[20]", "[1, 11, 10, 0]"), "bode", "Bode-Magnitude.svg", doc);
-    EXPECT_EQ(texts(doc, "crossover-label"), std::vector<std::string>{"0 dB at 1.24"});
+    EXPECT_EQ(texts(doc, "crossover-label"), std::vector<std::string>{"0 dB at 1.24, phase margin 31.7 deg"});
 }
 
 class FlatCurveTicks : public PlotTest {};
