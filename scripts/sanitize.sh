@@ -13,6 +13,7 @@ cmake --build build-sanitize -j"$(nproc)"
 
 export ASAN_OPTIONS=detect_leaks=1:detect_stack_use_after_return=1:check_initialization_order=1
 export UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1
+export LSAN_OPTIONS=suppressions=$PWD/scripts/lsan.supp:print_suppressions=0
 ctest --test-dir build-sanitize --output-on-failure -j"$(nproc)"
 
 # The examples, every analysis on each: a sanitizer report makes praxa exit with 99.
