@@ -23,6 +23,7 @@
 #include "hostapp/host_state.h"
 #include "hostapp/plot_csv.h"
 #include "hostapp/plots.h"
+#include "hostapp/report_command.h"
 #include "hostapp/web_server.h"
 #include "platform/driver.h"
 #include "platform/web_driver.h"
@@ -39,6 +40,7 @@ struct ServedSession {
     std::string diagramPath;
     bool pointSelection = false;        /* the host's point selection is on */
     std::deque<std::string> log;        /* the transcript's last lines */
+    std::string report;                 /* the report of the selection as it stands */
 };
 
 ServedSession &served()
@@ -107,6 +109,25 @@ void addHostState(nlohmann::json &state)
     state["pointSelection"] = s.pointSelection;
     state["plots"] = plotsState();
     state["log"] = s.log;
+    if (!s.report.empty())
+        state["report"] = s.report;
+}
+
+/* The report for the side panel, after each input: its own linearization runs with its
+** dialog cancelled by the scripted driver and is kept out of the session's log. */
+void refreshReport()
+{
+    ServedSession &s = served();
+    if (s.diagramPath.empty())
+        return;
+    takeTranscript();
+    std::string text, error;
+    platform::withScriptedDriver([&] {
+        if (!selectionReport(false, &text, &error))
+            text = "No report: " + error + ".";
+    });
+    platform::clearTranscript();
+    s.report = text;
 }
 
 bool isMenuCommand(int id)
@@ -141,9 +162,11 @@ void runInput(const nlohmann::json &input)
 
 void runSessionThread()
 {
+    refreshReport();
     while (std::optional<nlohmann::json> input = platform::waitForSessionInput()) {
         try {
             runInput(*input);
+            refreshReport();
         } catch (const nlohmann::json::exception &) {
             platform::refuseInput("Malformed input.");
         }

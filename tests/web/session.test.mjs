@@ -141,6 +141,9 @@ test("a design session on the servo loop, in the browser", async () => {
     assert.deepEqual(await listEntries(dialog, 108), ["(-10,0)", "(-1,0)", "(0,0)"]);
     await page.keyboard.press("Enter");
     await dialog.waitFor({ state: "detached" });
+    await settled(page);
+    assert.match(await page.locator("#report").textContent(),
+      /phase margin\s+31\.71239222 deg at 1\.243673034 rad\/s \(critical\)/, "the report panel gives the exact margins");
 
     // The frequency range, first with a step count the dialog refuses.
     await runMenuItem(page, "Frequency Range");
