@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Runs every fuzzer of BUILD_DIR (default build-sanitize) for SECONDS each (default 60),
+# Runs every fuzzer of BUILD_DIR (default build-sanitize) for SECONDS each (default 60)
+# but those named in FUZZ_SKIP (space-separated),
 # starting from its seed corpus fuzz/corpus/NAME. Fails on a crash, a leak, an input
 # taking over 10 s or a process over 2 GB; the input is left in BUILD_DIR/fuzz-findings/.
 set -euo pipefail
@@ -13,6 +14,7 @@ export UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1
 status=0
 for seeds in fuzz/corpus/*/; do
   name=$(basename "$seeds")
+  case " ${FUZZ_SKIP:-} " in *" $name "*) echo "fuzz_$name: skipped"; continue ;; esac
   work=$(mktemp -d)
   cp "$seeds"* "$work"/
   echo "fuzz_$name: ${seconds}s"
