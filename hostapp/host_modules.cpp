@@ -1,0 +1,57 @@
+/*
+** hostapp/host_modules.cpp: finding, loading and calling the host's optional modules
+** (see the header for each module's entry).
+*/
+#include "hostapp/host_modules.h"
+
+#include <dlfcn.h>
+
+#include <cstdio>
+
+#include "hostapp/plugin_loader.h"
+
+namespace hostapp {
+
+namespace {
+
+/* dlopens `library` beside the executable (never closed) and finds `entryName`; null with
+** a message naming the module, the command that needs it and the loader's reason. */
+void *moduleEntry(const char *library, const char *entryName, const char *command, std::string &error)
+{
+    std::string path = pathBesideExecutable(library);
+    void *module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    void *entry = module ? dlsym(module, entryName) : nullptr;
+    if (!entry) {
+        const char *reason = dlerror();
+        error = "the " + std::string(command) + " command needs the module " + path + ", which cannot be loaded: " +
+                (reason ? reason : "unknown error");
+    }
+    return entry;
+}
+
+}
+
+bool drawDiagramWithModule(const std::string &fileName, std::string &error)
+{
+    auto draw = reinterpret_cast<decltype(&praxaDrawDiagram)>(moduleEntry("libpraxa_draw.so", "praxaDrawDiagram", "draw", error));
+    if (!draw)
+        return false;
+    char message[1024] = "";
+    if (draw(fileName.c_str(), message, sizeof message))
+        return true;
+    error = message;
+    return false;
+}
+
+int serveWithModule(const std::string &diagramPath, int port)
+{
+    std::string error;
+    auto serve = reinterpret_cast<decltype(&praxaServeSession)>(moduleEntry("libpraxa_serve.so", "praxaServeSession", "serve", error));
+    if (!serve) {
+        std::fprintf(stderr, "praxa: %s\n", error.c_str());
+        return 2;
+    }
+    return serve(diagramPath.c_str(), port);
+}
+
+}
