@@ -24,7 +24,7 @@ void *moduleEntry(const char *library, const char *entryName, const std::string 
     if (!entry) {
         const char *reason = dlerror();
         error = command + " needs the module " + path + ", which cannot be loaded: " +
-                (reason ? reason : "unknown error");
+                (reason ? reason : "unknown error") + "; install praxa with its modules beside the executable";
     }
     return entry;
 }
