@@ -12,6 +12,8 @@
 #include <fstream>
 #include <sstream>
 
+#include "compensator/compensator.h"
+#include "host/host.h"
 #include "hostapp/host_state.h"
 #include "linearize/linearize.h"
 #include "numeric/matrix.h"
@@ -48,6 +50,20 @@ void startHostWithPlugin(const std::string &settingsPath, const std::string &out
     host.plugin.samplePeriod = &samplePeriod;
     host.mainWindow = platform::createMainWindow("Tervan");
     praxaInit(host.mainWindow);
+}
+
+void releasePluginRecords()
+{
+    for (Matrix **m : {&stateSpaceModel.A, &stateSpaceModel.B, &stateSpaceModel.C, &stateSpaceModel.D}) {
+        gfree(*m);
+        *m = nullptr;
+    }
+    for (Complex **roots : {&currentCompensator.zeros, &currentCompensator.poles, &loopZeros, &loopPoles}) {
+        gfree(*roots);
+        *roots = nullptr;
+    }
+    currentCompensator = Compensator{};
+    loopZeroCount = loopPoleCount = 0;
 }
 
 const char *const SERVO_MODEL_FILE = "function [a,b,c,d] = servo\n"

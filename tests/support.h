@@ -40,6 +40,11 @@ extern const char *const SERVO_MODEL_FILE;
 /* The path of a bundled example diagram, examples/NAME. */
 std::string examplePath(const std::string &name);
 
+/* Frees the plug-in's process-wide records that a test may have filled (the model's
+** matrices, the compensator's and the loop's root lists) and clears them, as a fresh
+** load has them. A test that put matrices of its own into the model takes them out first. */
+void releasePluginRecords();
+
 /* A rows x cols matrix from its rows, as written on paper; freed by the caller (gfree). */
 Matrix *matrixFromRows(uint32_t rows, uint32_t cols, std::initializer_list<double> values);
 
