@@ -361,12 +361,12 @@ void include(Axis &axis, double v, double room)
 }
 
 /* The view of a root locus: the record's range with room for the markers at its edges;
-** when the branches run far beyond the poles, zeros and axis crossings, the region that
-** holds these (the far branches leave the frame toward their asymptotes). */
+** when the branches run far beyond the poles, zeros, axis crossings and breakaway
+** points, the region that holds these (the far branches leave the frame toward their asymptotes). */
 void frameLocus(Axis &x, Axis &y, const LocusMarks &marks)
 {
     double box[4] = {INFINITY, -INFINITY, INFINITY, -INFINITY};
-    for (const auto *list : {&marks.poles, &marks.zeros, &marks.atGain, &marks.axisCrossings})
+    for (const auto *list : {&marks.poles, &marks.zeros, &marks.atGain, &marks.axisCrossings, &marks.breakaways})
         for (const std::complex<double> &p : *list)
             if (std::isfinite(p.real()) && std::isfinite(p.imag())) {
                 box[0] = std::min(box[0], p.real());
