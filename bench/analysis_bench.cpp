@@ -3,7 +3,9 @@
 ** (praxaCmd), in-process with the stand-in host, on a model of n states: transfer
 ** function, Bode plots of 1000 points with the margins, Nyquist, and the automatic root
 ** locus of 1000 steps.  Plots are reused, as a user with plot reuse on would see them;
-** the host writes each plot's SVG file as it does for the praxa command.
+** the host writes each plot's SVG file as it does for the praxa command.  The Analysis
+** cases time the plug-in's own work alone on the model linearized once: the factored
+** transfer function and the Bode response with its margins, or the root locus sweep.
 */
 #include <cmath>
 #include <cstdio>
@@ -14,12 +16,17 @@
 #include <benchmark/benchmark.h>
 
 #include "bench/bench_support.h"
+#include "freq/frequency_response.h"
+#include "host/host.h"
 #include "hostapp/diagram.h"
 #include "hostapp/host_state.h"
 #include "platform/driver.h"
 #include "rlocus/locus_state.h"
+#include "rlocus/rlocus.h"
+#include "shell/plot_output.h"
 #include "shell/praxa.h"
 #include "shell/settings.h"
+#include "xfer/xfer.h"
 
 namespace {
 
@@ -123,12 +130,58 @@ void rootLocus1000Manual(benchmark::State &state)
     countSteps(state);
 }
 
+/* Zeros, poles and gain of the linearized model, then the Bode magnitude and phase of
+** 1000 points with the margins (their dialog included), into plain arrays. */
+void bode1000Analysis(benchmark::State &state)
+{
+    if (!startWithModel((int)state.range(0), state))
+        return;
+    praxaCmd(CMD_FREQUENCY_RESPONSE);
+    const StateSpaceModel &m = stateSpaceModel;
+    uint32_t n = m.A->rows;
+    std::vector<Complex> zeros(n + 1), poles(n + 1);
+    std::vector<double> numerator(n + 2), denominator(n + 2);
+    std::vector<double> magnitude(frequencyRange.steps), phase(frequencyRange.steps);
+    for (auto _ : state) {
+        Polynomial num = {0, numerator.data()}, den = {0, denominator.data()};
+        stateToZeros(m.A, m.B, m.C, m.D, zeros.data(), &num);
+        stateToPoles(m.A, poles.data(), &den);
+        double gain = xferGain(m.A, m.B, m.C, m.D, poles.data(), zeros.data(), num.count - 1, den.count - 1);
+        bodeResponse(num.count - 1, den.count - 1, poles.data(), zeros.data(), magnitude.data(), phase.data(), 1.0,
+                     gain, 0.0);
+        platform::clearTranscript();
+    }
+    hostapp::clearDiagram();
+}
+
+/* The automatic root locus of 1000 steps on the linearized model's polynomials, into the
+** plot's trace buffers, without drawing. */
+void rootLocus1000Analysis(benchmark::State &state)
+{
+    if (!startWithModel((int)state.range(0), state))
+        return;
+    praxaCmd(CMD_ROOT_LOCUS);
+    const StateSpaceModel &m = stateSpaceModel;
+    int32_t n = (int32_t)m.A->rows;
+    double *numerator = nullptr, *denominator = nullptr;
+    timeToFrequency(m.A, m.B, m.C, m.D, &numerator, &denominator, nullptr, 0);
+    PlotRecord *plot = plotRecordOf(rootLocusPlot);
+    for (auto _ : state)
+        rootLocus(plot, numerator, denominator, n);   /* the host frees the replaced gains */
+    countSteps(state);
+    gfree(numerator);
+    gfree(denominator);
+    hostapp::clearDiagram();
+}
+
 }
 
 BENCHMARK(transferFunction)->Arg(10)->Arg(30)->Arg(100)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(bode1000)->Arg(10)->Arg(30)->Arg(100)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(bode1000Analysis)->Arg(10)->Arg(30)->Arg(100)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(nyquist)->Arg(10)->Arg(30)->Arg(100)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(rootLocus1000)->Arg(10)->Arg(30)->Arg(100)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(rootLocus1000Analysis)->Arg(10)->Arg(30)->Arg(100)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(rootLocus1000Manual)->Arg(10)->Arg(30)->Arg(100)->UseRealTime()->Unit(benchmark::kMillisecond);
 
 PRAXA_BENCHMARK_MAIN()

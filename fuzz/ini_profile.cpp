@@ -30,14 +30,13 @@ std::string nextField(std::string &input)
     return field;
 }
 
-/* A name or value that a settings file keeps as written: no blanks at its ends, no
-** quotes, none of the characters that start a section, comment or value. */
-bool keptAsWritten(const std::string &text)
+/* A plain name: one the writer never refuses. */
+bool plainName(const std::string &text)
 {
     if (text.empty() || text.front() == ' ' || text.back() == ' ')
         return false;
     for (unsigned char c : text)
-        if (c < 32 || c == '[' || c == ']' || c == '=' || c == ';' || c == '#' || c == '"' || c == '\'' || c > 126)
+        if (c < 32 || c == '[' || c == ']' || c == '=' || c == ';' || c == '#' || c > 126)
             return false;
     return true;
 }
@@ -59,8 +58,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     GetPrivateProfileStringA(section.c_str(), nullptr, "", buffer, sizeof buffer, path.c_str());
     GetPrivateProfileStringA(section.c_str(), key.c_str(), "default", buffer, 3, path.c_str());
 
-    WritePrivateProfileStringA(section.c_str(), key.c_str(), value.c_str(), path.c_str());
-    if (keptAsWritten(section) && keptAsWritten(key) && keptAsWritten(value) && value.size() < sizeof buffer) {
+    /* A write is refused only for a line break or a name a reader would not find again;
+    ** any value it stores, blanks and quotes included, reads back as it was. */
+    BOOL written = WritePrivateProfileStringA(section.c_str(), key.c_str(), value.c_str(), path.c_str());
+    if (!written && plainName(section) && plainName(key) && value.find_first_of("\r\n") == std::string::npos)
+        __builtin_trap();   /* a storable value refused */
+    if (written && value.size() < sizeof buffer) {
         GetPrivateProfileStringA(section.c_str(), key.c_str(), "", buffer, sizeof buffer, path.c_str());
         if (value != buffer)
             __builtin_trap();   /* a written value reads back */

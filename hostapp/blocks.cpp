@@ -7,7 +7,7 @@
 #include <cmath>
 
 #include "hostapp/engine.h"
-#include "hostapp/expression_block.h"
+#include "hostapp/host_modules.h"
 
 namespace hostapp {
 
@@ -92,6 +92,34 @@ double deadZone(const Block &block, double u)
     if (u < block.lower)
         return u - block.lower;
     return 0.0;
+}
+
+/* next = a x + b u for the n x n row-major a.  Four rows at a time, each summed in
+** the order b u, a_i0 x_0, a_i1 x_1, ...: the same result to the last bit as one row
+** after the other, but four independent sums keep the adder busy where a single sum
+** waits for each addition before the next (the Jacobian evaluates this for every state
+** perturbed, and a state-space block of order 100 made it most of a linearization). */
+void linearDerivatives(int n, const double *a, const double *b, double u, const double *x, double *next)
+{
+    int i = 0;
+    for (; i + 4 <= n; i += 4) {
+        const double *r0 = a + (size_t)i * n, *r1 = r0 + n, *r2 = r1 + n, *r3 = r2 + n;
+        double s0 = b[i] * u, s1 = b[i + 1] * u, s2 = b[i + 2] * u, s3 = b[i + 3] * u;
+        for (int j = 0; j < n; ++j) {
+            s0 += r0[j] * x[j];
+            s1 += r1[j] * x[j];
+            s2 += r2[j] * x[j];
+            s3 += r3[j] * x[j];
+        }
+        next[i] = s0, next[i + 1] = s1, next[i + 2] = s2, next[i + 3] = s3;
+    }
+    for (; i < n; ++i) {
+        const double *row = a + (size_t)i * n;
+        double sum = b[i] * u;
+        for (int j = 0; j < n; ++j)
+            sum += row[j] * x[j];
+        next[i] = sum;
+    }
 }
 
 double linearOutput(const Block &block)
@@ -232,7 +260,7 @@ void evaluateOutput(Block &block, double time)
     case BlockType::Expression:
         for (size_t i = 0; i < block.inputs.size(); ++i)
             block.inputValues[i] = input(block, (int)i);
-        writeOutput(block, evaluateExpression(*block.expression, block.inputValues.data()));
+        writeOutput(block, evaluateExpressionInModule(*block.expression, block.inputValues.data()));
         break;
     case BlockType::Integrator:
     case BlockType::TransferFunction:
@@ -261,13 +289,7 @@ void evaluateNext(Block &block)
     case BlockType::DiscreteTransferFunction:
     case BlockType::DiscreteStateSpace: {
         const LinearSystem &sys = block.linear;
-        double u = input(block, 0);
-        for (int i = 0; i < sys.n; ++i) {
-            double next = sys.b[(size_t)i] * u;
-            for (int j = 0; j < sys.n; ++j)
-                next += sys.a[(size_t)(i * sys.n + j)] * block.state[(size_t)j];
-            block.next[(size_t)i] = next;
-        }
+        linearDerivatives(sys.n, sys.a.data(), sys.b.data(), input(block, 0), block.state.data(), block.next.data());
         break;
     }
     case BlockType::UnitDelay:

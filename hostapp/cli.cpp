@@ -19,11 +19,10 @@
 #include "hostapp/command_table.h"
 #include "hostapp/compensator_block.h"
 #include "hostapp/diagram.h"
-#include "hostapp/diagram_picture.h"
+#include "hostapp/host_modules.h"
 #include "hostapp/host_state.h"
 #include "hostapp/plugin_loader.h"
 #include "hostapp/report_command.h"
-#include "hostapp/serve.h"
 #include "hostapp/text_file.h"
 #include "platform/driver.h"
 
@@ -439,7 +438,7 @@ int runStep(const SessionStep &step, const Session &session)
         return runReport(step);
     if (step.run.command->id == HOST_COMMAND) {
         std::string error;
-        bool drawn = writeDiagramPicture(step.run.file, error);
+        bool drawn = drawDiagramWithModule(step.run.file, error);
         printTranscript();
         return drawn ? EXIT_RAN : unusable(step.where + ": " + error);
     }
@@ -531,7 +530,7 @@ int runCommandLine(int argc, char **argv)
         worst = std::max(worst, status);
     }
     if (session.serve)
-        return serveSession(session.diagramPath, session.port);
+        return serveWithModule(session.diagramPath, session.port);
     printTranscript();
     if (platform::refusedDialogCount() > 0)
         worst = std::max(worst, (int)EXIT_REFUSED);

@@ -10,14 +10,19 @@
 
 namespace hostapp {
 
-std::string defaultPluginPath()
+std::string pathBesideExecutable(const std::string &fileName)
 {
     char self[PATH_MAX];
     ssize_t length = readlink("/proc/self/exe", self, sizeof self - 1);
     if (length <= 0)
-        return "libpraxa.so";
+        return fileName;
     std::string path(self, (size_t)length);
-    return path.substr(0, path.rfind('/') + 1) + "libpraxa.so";
+    return path.substr(0, path.rfind('/') + 1) + fileName;
+}
+
+std::string defaultPluginPath()
+{
+    return pathBesideExecutable("libpraxa.so");
 }
 
 template <typename Function>

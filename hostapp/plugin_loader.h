@@ -10,6 +10,9 @@
 
 namespace hostapp {
 
+/* fileName in the folder of the running executable (just fileName when that is unknown). */
+std::string pathBesideExecutable(const std::string &fileName);
+
 /* The plug-in beside the running executable. */
 std::string defaultPluginPath();
 

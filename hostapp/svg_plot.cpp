@@ -11,6 +11,7 @@
 #include <functional>
 
 #include "hostapp/locus_marks.h"
+#include "hostapp/nyquist_closure.h"
 #include "hostapp/plot_bounds.h"
 #include "hostapp/svg_text.h"
 
@@ -33,6 +34,10 @@ constexpr double FAR_AWAY = 1e12;
 const char *const PALETTE[] = {"#1f77b4", "#d62728", "#2ca02c", "#ff7f0e", "#9467bd",
                                "#8c564b", "#e377c2", "#17becf", "#7f7f7f", "#bcbd22"};
 constexpr int PALETTE_SIZE = sizeof PALETTE / sizeof PALETTE[0];
+/* The circles at infinity of a Nyquist curve: thinner, dashed, in their own colour, so
+** that they read as the closure of the curve, not as part of the response. */
+const char *const CLOSURE_COLOUR = "#ff7f0e";
+const char *const CLOSURE_STROKE = "stroke-width=\"1.2\" stroke-dasharray=\"7 4\"";
 
 std::string number(double v, const char *format = "%.2f")
 {
@@ -239,6 +244,7 @@ struct Legend {
     struct Entry {
         std::string colour, label;
         char marker = 0;                /* instead of a line: 'x' cross, 'o' circle, '*' filled circle */
+        bool dashed = false;            /* the line drawn as the closure at infinity is */
     };
     std::vector<Entry> entries;
 };
@@ -332,7 +338,8 @@ void drawLegend(SvgWriter &svg, const Legend &legend)
         else if (e.marker)
             drawCircle(svg, LEGEND_X + 19, y - 4, e.colour, "legend-marker", e.marker == '*');
         else
-            svg.line(LEGEND_X + 8, y - 4, LEGEND_X + 30, y - 4, "stroke=\"" + e.colour + "\" stroke-width=\"2\"");
+            svg.line(LEGEND_X + 8, y - 4, LEGEND_X + 30, y - 4,
+                     "stroke=\"" + e.colour + "\" " + (e.dashed ? CLOSURE_STROKE : "stroke-width=\"2\""));
         svg.label(LEGEND_X + 38, y, e.label, "class=\"legend-entry\"");
         y += LEGEND_LINE;
     }
@@ -354,12 +361,12 @@ void include(Axis &axis, double v, double room)
 }
 
 /* The view of a root locus: the record's range with room for the markers at its edges;
-** when the branches run far beyond the poles, zeros and axis crossings, the region that
-** holds these (the far branches leave the frame toward their asymptotes). */
+** when the branches run far beyond the poles, zeros, axis crossings and breakaway
+** points, the region that holds these (the far branches leave the frame toward their asymptotes). */
 void frameLocus(Axis &x, Axis &y, const LocusMarks &marks)
 {
     double box[4] = {INFINITY, -INFINITY, INFINITY, -INFINITY};
-    for (const auto *list : {&marks.poles, &marks.zeros, &marks.atGain, &marks.axisCrossings})
+    for (const auto *list : {&marks.poles, &marks.zeros, &marks.atGain, &marks.axisCrossings, &marks.breakaways})
         for (const std::complex<double> &p : *list)
             if (std::isfinite(p.real()) && std::isfinite(p.imag())) {
                 box[0] = std::min(box[0], p.real());
@@ -545,6 +552,17 @@ std::string renderPlotSvg(const PlotView &view)
         std::vector<Pixel> pixels(s.y.size());
         for (size_t p = 0; p < s.y.size(); ++p)
             pixels[p] = {x.pixel(s.x[p]), y.pixel(s.y[p])};
+        /* A Nyquist curve's circles at infinity are drawn apart: out of the response. */
+        std::vector<Pixel> closure;
+        if (kind == PlotKind::Nyquist) {
+            std::vector<bool> atInfinity = nyquistClosurePoints(r, s);
+            if (std::find(atInfinity.begin(), atInfinity.end(), true) != atInfinity.end()) {
+                closure.assign(pixels.size(), Pixel{});
+                for (size_t p = 0; p < pixels.size(); ++p)
+                    if (atInfinity[p])
+                        std::swap(closure[p], pixels[p]);
+            }
+        }
         size_t drawn = 0;
         std::vector<Pixel> lonePoints;
         std::string d = curvePath(pixels, &drawn, &lonePoints);
@@ -560,6 +578,16 @@ std::string renderPlotSvg(const PlotView &view)
         } else if (kind == PlotKind::Nyquist) {
             legend.entries.push_back({colour, "Response"});
             drawDirectionArrows(svg, pixels, colour);
+            if (!closure.empty()) {
+                size_t closureDrawn = 0;
+                std::vector<Pixel> closureLone;
+                std::string closureD = curvePath(closure, &closureDrawn, &closureLone);
+                drawnInAll += closureDrawn;
+                svg.text += "<path class=\"infinity-closure\" data-points=\"" + std::to_string(closureDrawn) +
+                            "\" stroke=\"" + CLOSURE_COLOUR + "\" " + CLOSURE_STROKE + " d=\"" + closureD + "\"/>\n";
+                drawDirectionArrows(svg, closure, CLOSURE_COLOUR);
+                legend.entries.push_back({CLOSURE_COLOUR, "Closure at infinity", 0, true});
+            }
         } else {
             legend.entries.push_back({colour, traceLabel(s)});
         }
@@ -651,8 +679,27 @@ std::string renderPlotSvg(const PlotView &view)
     return svg.text;
 }
 
+namespace {
+
+bool fileHolds(const std::string &path, const std::string &text)
+{
+    std::ifstream in(path, std::ios::binary | std::ios::ate);
+    if (!in || in.tellg() != std::streamoff(text.size()))
+        return false;
+    std::string held(text.size(), '\0');
+    in.seekg(0);
+    return in.read(held.data(), std::streamsize(held.size())) && held == text;
+}
+
+}
+
 bool writeSvgFile(const std::string &path, const std::string &text, std::string *error)
 {
+    /* A file that already holds the text stays as it is: replacing it frees the old file's
+    ** blocks, which on a file system that discards them costs more than the whole analysis,
+    ** and its readers (the served page watches the modification time) have nothing new. */
+    if (fileHolds(path, text))
+        return true;
     std::string temporary = path + ".tmp";
     {
         std::ofstream out(temporary, std::ios::binary | std::ios::trunc);

@@ -102,7 +102,8 @@ ReadResult readIni(const std::string &path, IniText &ini, std::string &reason)
             line.pop_back();
             lineBreak.insert(0, "\r");
         }
-        if (ini.lines.empty() && !lineBreak.empty())
+        /* A lone CR (the end of a last line without LF) is no line break: lines are split at LF. */
+        if (ini.lines.empty() && lineBreak.ends_with('\n'))
             ini.lineBreak = lineBreak;
         ini.lines.push_back(line);
         ini.breaks.push_back(lineBreak);
@@ -323,7 +324,7 @@ bool replaceFile(const std::string &settingsPath, const IniText &ini, std::strin
         return failAndRemove(errno);
     std::string text;
     for (size_t i = 0; i < ini.lines.size(); ++i)
-        text += ini.lines[i] + (ini.breaks[i].empty() ? ini.lineBreak : ini.breaks[i]);
+        text += ini.lines[i] + (ini.breaks[i].ends_with('\n') ? ini.breaks[i] : ini.lineBreak);
     size_t written = 0;
     while (written < text.size()) {
         ssize_t n = ::write(fd.get(), text.data() + written, text.size() - written);
@@ -347,6 +348,28 @@ bool replaceFile(const std::string &settingsPath, const IniText &ini, std::strin
 
 bool hasLineBreak(const char *s) { return s && std::strpbrk(s, "\r\n"); }
 
+/* Why a section or key name (trimmed) would not be found again once written, or nullptr. */
+const char *unstorableName(const std::string &section, const std::string &key)
+{
+    if (section.find(']') != std::string::npos)
+        return "a ']' in the section name";
+    if (key.find('=') != std::string::npos)
+        return "a '=' in the key name";
+    if (!key.empty() && (isComment(key) || key[0] == '['))
+        return "a key name that starts with ';', '#' or '['";
+    return nullptr;
+}
+
+/* A value as its line holds it. A reader trims blanks and drops matching quotes, so a value
+** with blanks at its ends or in matching quotes is put in double quotes (read back by a
+** Windows reader too); any other value is written as it is. */
+std::string storedValue(const std::string &value)
+{
+    bool blankEnds = !value.empty() && (std::strchr(" \t", value.front()) || std::strchr(" \t", value.back()));
+    bool quoted = value.size() >= 2 && (value.front() == '"' || value.front() == '\'') && value.back() == value.front();
+    return blankEnds || quoted ? '"' + value + '"' : value;
+}
+
 }
 
 void resetProfileState() { writeFailures = 0; }
@@ -359,8 +382,8 @@ using namespace platform;
 
 extern "C" {
 
-/* A missing or unreadable file reads as empty. The section and key are matched without
-** regard to case; the result is the number of characters copied, at most size - 1. */
+/* A missing or unreadable file reads as empty. The section and key are trimmed and matched
+** without regard to case; the result is the number of characters copied, at most size - 1. */
 DWORD GetPrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR defaultValue, LPSTR buffer,
                                DWORD size, LPCSTR fileName)
 {
@@ -377,7 +400,7 @@ DWORD GetPrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR defaultValue, 
                 names.push_back(*name);
         return copyNameList(names, buffer, size);
     }
-    SectionRange range = findSection(ini, section);
+    SectionRange range = findSection(ini, trim(section));
     if (!key) {
         std::vector<std::string> names;
         if (range.found)
@@ -386,7 +409,7 @@ DWORD GetPrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR defaultValue, 
                     names.push_back(*name);
         return copyNameList(names, buffer, size);
     }
-    if (auto line = findKey(ini, range, key))
+    if (auto line = findKey(ini, range, trim(key)))
         return copyValue(valueOf(ini.lines[*line]), buffer, size);
     std::string fallback = defaultValue ? defaultValue : "";
     fallback.erase(fallback.find_last_not_of(' ') + 1);     /* Win32 drops trailing blanks */
@@ -394,7 +417,9 @@ DWORD GetPrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR defaultValue, 
 }
 
 /* Sets key = value in the section; a null value deletes the key, a null key the section.
-** A missing key goes after the last key of its section, a missing section at the end. */
+** A missing key goes after the last key of its section, a missing section at the end.
+** Names are trimmed as a reader trims them; a name a reader would not find again, or a
+** line break anywhere, is refused (FALSE, with the reason in the transcript). */
 BOOL WritePrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR value, LPCSTR fileName)
 {
     if (!section && !key && !value)
@@ -406,6 +431,9 @@ BOOL WritePrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR value, LPCSTR
         return writeFailure(path, "no section name") ? TRUE : FALSE;
     if (hasLineBreak(section) || hasLineBreak(key) || hasLineBreak(value))
         return writeFailure(path, "a line break in the section, key or value") ? TRUE : FALSE;
+    std::string sectionText = trim(section), keyText = key ? trim(key) : "";
+    if (const char *why = value ? unstorableName(sectionText, keyText) : nullptr)
+        return writeFailure(path, why) ? TRUE : FALSE;
 
     IniText ini;
     std::string reason;
@@ -413,20 +441,20 @@ BOOL WritePrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR value, LPCSTR
     if (readIni(path, ini, reason) == ReadResult::Unreadable)
         return writeFailure(path, "the file cannot be read: " + reason) ? TRUE : FALSE;
 
-    SectionRange range = findSection(ini, section);
+    SectionRange range = findSection(ini, sectionText);
     auto &lines = ini.lines;
     if (!key) {
         if (!range.found)
             return TRUE;
         ini.erase(range.header, range.end);
     } else if (!value) {
-        auto at = findKey(ini, range, key);
+        auto at = findKey(ini, range, keyText);
         if (!at)
             return TRUE;
         ini.erase(*at, *at + 1);
     } else {
-        std::string entry = std::string(key) + "=" + value;
-        if (auto at = findKey(ini, range, key)) {
+        std::string entry = keyText + "=" + storedValue(value);
+        if (auto at = findKey(ini, range, keyText)) {
             if (lines[*at] == entry)
                 return TRUE;
             lines[*at] = entry;
@@ -443,7 +471,7 @@ BOOL WritePrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR value, LPCSTR
         } else {
             if (!lines.empty() && !trim(lines.back()).empty())
                 ini.insert(lines.size(), "");
-            ini.insert(lines.size(), "[" + std::string(section) + "]");
+            ini.insert(lines.size(), "[" + sectionText + "]");
             ini.insert(lines.size(), entry);
         }
     }

@@ -100,8 +100,10 @@ TEST_F(NyquistCommand, ExecutableDrawsTheServoAndThePendulum)
               "  > default 1\n"
               "[end] Nyquist: 1\n"
               "[plot] Nyquist.svg\n");
+    /* The 500 points of the detour around the origin are drawn as the closure at infinity. */
     std::string svg = readFile(dir.file("servo/Nyquist.svg"));
-    EXPECT_NE(svg.find("data-points=\"1000\""), std::string::npos);
+    EXPECT_NE(svg.find("class=\"trace\" data-trace=\"0\" data-points=\"500\""), std::string::npos);
+    EXPECT_NE(svg.find("class=\"infinity-closure\" data-points=\"500\""), std::string::npos);
 
     /* The hanging pendulum has no pole on the axis: no notice, the plain 1000 points. */
     run = praxa("pendulum_hanging.json", "pendulum");

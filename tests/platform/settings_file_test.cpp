@@ -30,12 +30,20 @@ TEST(SettingsFile, EachLineKeepsItsOwnBreak)
         {"[tervan]\r\nA=1\nB=x\r\r\n", "C", "2", "[tervan]\r\nA=1\nB=x\r\r\nC=2\r\n"},
         {"[tervan]\nA=1\r\nB=2", "A", "3", "[tervan]\nA=3\r\nB=2\n"},
         {"[tervan]\nA=1\r\n\r\n[other]\r\nk=v", "A", nullptr, "[tervan]\n\r\n[other]\r\nk=v\n"},
+        /* a lone CR at the end of the file is no line break for the lines added after it */
+        {"; note\r", "A", "1", "; note\n\n[tervan]\nA=1\n"},
+        /* values a reader would trim or unquote are stored in quotes, and read back whole */
+        {"[tervan]\n", " A ", " 1 ", "[tervan]\nA=\" 1 \"\n"},
+        {"[tervan]\n", "A", "'1'", "[tervan]\nA=\"'1'\"\n"},
     };
     TempDir dir;
     for (const Row &row : rows) {
         writeFile(dir.file("tervan.ini"), row.before);
         EXPECT_TRUE(WritePrivateProfileStringA("tervan", row.key, row.value, dir.file("tervan.ini").c_str()));
         EXPECT_EQ(readFile(dir.file("tervan.ini")), row.after) << row.before;
+        char value[64];
+        GetPrivateProfileStringA("tervan", row.key, "-", value, sizeof value, dir.file("tervan.ini").c_str());
+        EXPECT_STREQ(value, row.value ? row.value : "-") << row.before;
     }
 }
 
