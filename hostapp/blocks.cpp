@@ -7,7 +7,7 @@
 #include <cmath>
 
 #include "hostapp/engine.h"
-#include "hostapp/expression_block.h"
+#include "hostapp/host_modules.h"
 
 namespace hostapp {
 
@@ -260,7 +260,7 @@ void evaluateOutput(Block &block, double time)
     case BlockType::Expression:
         for (size_t i = 0; i < block.inputs.size(); ++i)
             block.inputValues[i] = input(block, (int)i);
-        writeOutput(block, evaluateExpression(*block.expression, block.inputValues.data()));
+        writeOutput(block, evaluateExpressionInModule(*block.expression, block.inputValues.data()));
         break;
     case BlockType::Integrator:
     case BlockType::TransferFunction:

@@ -14,7 +14,7 @@
 
 #include "hostapp/diagram.h"
 #include "hostapp/engine.h"
-#include "hostapp/expression_block.h"
+#include "hostapp/host_modules.h"
 #include "hostapp/host_state.h"
 #include "hostapp/text_file.h"
 
@@ -638,7 +638,7 @@ int Loader::readExpression(Block &block, const json &fields, const std::string &
         }
     }
     std::string error;
-    block.expression = compileExpression(fields["expr"].get<std::string>(), inputs, parameters, error);
+    block.expression = compileExpressionInModule(fields["expr"].get<std::string>(), inputs, parameters, error);
     if (!block.expression)
         fail(pointer + "/expr", what + ": " + error);
     block.inputValues.assign((size_t)inputs, 0.0);

@@ -63,7 +63,8 @@ bool isSelected(const Diagram &diagram, const Block *block)
 
 class PictureWriter {
 public:
-    PictureWriter(const Diagram &diagram, const DiagramLayout &layout) : diagram_(diagram), layout_(layout)
+    PictureWriter(const Diagram &diagram, const DiagramLayout &layout, const TakenPoints &taken)
+        : diagram_(diagram), layout_(layout), taken_(taken)
     {
         for (const LaidOutNode &node : layout.nodes) {
             if (node.compoundPort) {
@@ -94,8 +95,8 @@ public:
         text_ += "</g>\n";
         for (const LaidOutNode &node : layout_.nodes)
             node.compoundPort ? compoundPort(node) : block(node);
-        referencePoint(diagram_.inputReference, "input", INPUT_COLOUR);
-        referencePoint(diagram_.outputReference, "output", OUTPUT_COLOUR);
+        referencePoint(taken_.input, "input", INPUT_COLOUR);
+        referencePoint(taken_.output, "output", OUTPUT_COLOUR);
         legend(height - LEGEND_HEIGHT + 8);
         text_ += "</svg>\n";
         return text_;
@@ -104,6 +105,8 @@ public:
 private:
     const Diagram &diagram_;
     const DiagramLayout &layout_;
+    /* The points the session has taken: the diagram file's own, or those picked instead. */
+    TakenPoints taken_;
     std::map<const Point *, const LaidOutNode *> nodeOfPoint_;
     std::string text_;
 
@@ -261,7 +264,7 @@ std::string defaultPictureName(const std::string &diagramName)
 
 std::string diagramPictureSvg(std::string &error)
 {
-    const Diagram *diagram = currentDiagram();
+    Diagram *diagram = currentDiagram();
     if (!diagram) {
         error = "no diagram is loaded to draw";
         return "";
@@ -269,7 +272,7 @@ std::string diagramPictureSvg(std::string &error)
     DiagramLayout layout;
     if (!layOutDiagram(*diagram, layout, error))
         return "";
-    return PictureWriter(*diagram, layout).svg();
+    return PictureWriter(*diagram, layout, takenReferencePoints(*diagram)).svg();
 }
 
 bool writeDiagramPicture(const std::string &fileName, std::string &error)

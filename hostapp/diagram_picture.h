@@ -2,7 +2,7 @@
 ** hostapp/diagram_picture.h: an SVG picture of the current diagram (the draw command):
 ** blocks with their id, type and main parameter, wires between numbered ports,
 ** compound blocks as frames around their children, the selection highlighted and the
-** input and output reference points marked.
+** input and output reference points taken (the file's own, or those picked instead) marked.
 **
 ** For programs that use the picture: every block is a <g class="block"> with id
 ** "block-ID" and data-block="PATH"; every port a <g class="port"> with id

@@ -176,6 +176,13 @@ Block *findBlockByPath(Diagram &diagram, const std::string &path);
 ** message, and `failed` the index of the id at fault, when one is unknown or repeated. */
 bool setSelection(Diagram &diagram, const std::vector<std::string> &ids, std::string &error, size_t &failed);
 
+/* reference_view.cpp: the points the plug-in has taken (highlighted), told apart as the
+** selection's input and output; null where none is taken. */
+struct TakenPoints {
+    Point *input = nullptr, *output = nullptr;
+};
+TakenPoints takenReferencePoints(Diagram &diagram);
+
 }
 
 #endif

@@ -54,6 +54,11 @@ std::vector<Complex> rootsOf(Polynomial p, std::vector<Complex> start)
         z.clear();
         for (size_t k = 0; k < degree; ++k)
             z.push_back(bound * 0.5 * std::pow(Complex(0.4, 0.9), (double)k));
+    } else {
+        /* Real guesses of a real polynomial stay real in this iteration and never reach
+        ** complex roots: each is nudged off the axis. */
+        for (size_t k = 0; k < degree; ++k)
+            z[k] += 1e-3 * std::max(1.0, std::abs(z[k])) * std::pow(Complex(0.4, 0.9), (double)(k + 1));
     }
     for (int iteration = 0; iteration < MAX_ITERATIONS; ++iteration) {
         double moved = 0.0;
@@ -74,6 +79,61 @@ std::vector<Complex> rootsOf(Polynomial p, std::vector<Complex> start)
             break;
     }
     return z;
+}
+
+Polynomial derivative(const Polynomial &p)
+{
+    Polynomial d;
+    for (size_t k = 0; k + 1 < p.size(); ++k)
+        d.push_back(p[k] * (double)(p.size() - 1 - k));
+    return d.empty() ? Polynomial{0.0} : d;
+}
+
+/* a * b - c * d, coefficients aligned at the constant term. */
+Polynomial crossDifference(const Polynomial &a, const Polynomial &b, const Polynomial &c, const Polynomial &d)
+{
+    Polynomial result(std::max(a.size() + b.size(), c.size() + d.size()) - 1, 0.0);
+    auto add = [&](const Polynomial &x, const Polynomial &y, double sign) {
+        for (size_t i = 0; i < x.size(); ++i)
+            for (size_t j = 0; j < y.size(); ++j)
+                result[result.size() - (x.size() - i) - (y.size() - j) + 1] += sign * x[i] * y[j];
+    };
+    add(a, b, 1.0);
+    add(c, d, -1.0);
+    return result;
+}
+
+/* Where branches meet on the real axis and part (or join): the real roots of
+** N D' - N' D, at which the gain -D/N is one the locus was drawn for. */
+std::vector<Complex> breakawayPoints(const Polynomial &denominator, const Polynomial &numerator,
+                                     const std::vector<double> &gains)
+{
+    double lowest = INFINITY, highest = -INFINITY;
+    for (double k : gains)
+        if (std::isfinite(k)) {
+            lowest = std::min(lowest, k);
+            highest = std::max(highest, k);
+        }
+    Polynomial p = crossDifference(numerator, derivative(denominator), derivative(numerator), denominator);
+    /* The leading terms cancel when N and D have the same degree: drop what rounding left. */
+    double largest = 0.0;
+    for (const Complex &c : p)
+        largest = std::max(largest, std::abs(c));
+    while (p.size() > 1 && std::abs(p[0]) <= 1e-10 * largest)
+        p.erase(p.begin());
+    std::vector<Complex> points;
+    for (const Complex &s : rootsOf(p, {})) {
+        if (std::fabs(s.imag()) > 1e-6 * std::max(1.0, std::abs(s)))
+            continue;
+        Complex n = valueAt(numerator, s.real());
+        if (n == 0.0)
+            continue;
+        double gain = (-valueAt(denominator, s.real()) / n).real();
+        double slack = 1e-9 * std::max(1.0, std::fabs(highest));
+        if (gain >= lowest - slack && gain <= highest + slack)
+            points.push_back({s.real(), 0.0});
+    }
+    return points;
 }
 
 std::vector<Complex> pointsAt(const std::vector<PlotSeries> &branches, size_t step)
@@ -137,8 +197,12 @@ LocusMarks locusMarks(const std::vector<PlotSeries> &branches, const std::vector
         denominator[k] = c0[k] - k0 * numerator[k];
     }
     marks.poles = k0 == 0.0 ? first : rootsOf(denominator, first);
-    if (zeroCount > 0 && (size_t)zeroCount < c0.size())
-        marks.zeros = rootsOf(Polynomial(numerator.end() - zeroCount - 1, numerator.end()), {});
+    Polynomial zeroPolynomial{numerator.back()};
+    if (zeroCount > 0 && (size_t)zeroCount < c0.size()) {
+        zeroPolynomial.assign(numerator.end() - zeroCount - 1, numerator.end());
+        marks.zeros = rootsOf(zeroPolynomial, {});
+    }
+    marks.breakaways = breakawayPoints(denominator, zeroPolynomial, std::vector<double>(gains.begin(), gains.begin() + steps));
 
     /* Start from the branch points of the step whose gain is nearest. */
     size_t nearest = 0;

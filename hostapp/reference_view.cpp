@@ -194,18 +194,24 @@ bool pickReferencePoint(const std::string &blockDotPort, bool asInput, std::stri
     return clickReferencePoint(blockDotPort, error);
 }
 
+TakenPoints takenReferencePoints(Diagram &diagram)
+{
+    TakenPoints taken;
+    for (Point *point : highlighted(diagram))
+        (canBeOutput(diagram, *point) ? taken.output : taken.input) = point;
+    return taken;
+}
+
 std::string highlightedReferencePoints()
 {
     Diagram *diagram = currentDiagram();
     if (!diagram)
         return "";
-    std::string input, output;
-    for (Point *point : highlighted(*diagram))
-        (canBeOutput(*diagram, *point) ? output : input) = point->name();
-    if (input.empty() && output.empty())
+    TakenPoints taken = takenReferencePoints(*diagram);
+    if (!taken.input && !taken.output)
         return "";
-    return "input " + (input.empty() ? std::string("none") : input) + ", output " +
-           (output.empty() ? std::string("none") : output);
+    return "input " + (taken.input ? taken.input->name() : std::string("none")) + ", output " +
+           (taken.output ? taken.output->name() : std::string("none"));
 }
 
 std::string emptyAnalysisReason()
@@ -213,9 +219,7 @@ std::string emptyAnalysisReason()
     Diagram *diagram = currentDiagram();
     if (!diagram)
         return "";
-    Point *input = nullptr, *output = nullptr;
-    for (Point *point : highlighted(*diagram))
-        (canBeOutput(*diagram, *point) ? output : input) = point;
+    auto [input, output] = takenReferencePoints(*diagram);
     if (!input || !output || !input->signal || !output->signal)
         return "";
     SmallSignal model = smallSignal(*diagram, *input, *output);

@@ -361,12 +361,12 @@ void include(Axis &axis, double v, double room)
 }
 
 /* The view of a root locus: the record's range with room for the markers at its edges;
-** when the branches run far beyond the poles, zeros and axis crossings, the region that
-** holds these (the far branches leave the frame toward their asymptotes). */
+** when the branches run far beyond the poles, zeros, axis crossings and breakaway
+** points, the region that holds these (the far branches leave the frame toward their asymptotes). */
 void frameLocus(Axis &x, Axis &y, const LocusMarks &marks)
 {
     double box[4] = {INFINITY, -INFINITY, INFINITY, -INFINITY};
-    for (const auto *list : {&marks.poles, &marks.zeros, &marks.atGain, &marks.axisCrossings})
+    for (const auto *list : {&marks.poles, &marks.zeros, &marks.atGain, &marks.axisCrossings, &marks.breakaways})
         for (const std::complex<double> &p : *list)
             if (std::isfinite(p.real()) && std::isfinite(p.imag())) {
                 box[0] = std::min(box[0], p.real());
@@ -679,8 +679,27 @@ std::string renderPlotSvg(const PlotView &view)
     return svg.text;
 }
 
+namespace {
+
+bool fileHolds(const std::string &path, const std::string &text)
+{
+    std::ifstream in(path, std::ios::binary | std::ios::ate);
+    if (!in || in.tellg() != std::streamoff(text.size()))
+        return false;
+    std::string held(text.size(), '\0');
+    in.seekg(0);
+    return in.read(held.data(), std::streamsize(held.size())) && held == text;
+}
+
+}
+
 bool writeSvgFile(const std::string &path, const std::string &text, std::string *error)
 {
+    /* A file that already holds the text stays as it is: replacing it frees the old file's
+    ** blocks, which on a file system that discards them costs more than the whole analysis,
+    ** and its readers (the served page watches the modification time) have nothing new. */
+    if (fileHolds(path, text))
+        return true;
     std::string temporary = path + ".tmp";
     {
         std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
