@@ -15,7 +15,7 @@ namespace hostapp {
 namespace {
 
 /* dlopens `library` beside the executable (never closed) and finds `entryName`; null with
-** a message naming the module, the command that needs it and the loader's reason. */
+** a message naming the module, what needs it, the loader's reason and the remedy. */
 void *moduleEntry(const char *library, const char *entryName, const std::string &command, std::string &error)
 {
     std::string path = pathBesideExecutable(library);
@@ -23,8 +23,8 @@ void *moduleEntry(const char *library, const char *entryName, const std::string 
     void *entry = module ? dlsym(module, entryName) : nullptr;
     if (!entry) {
         const char *reason = dlerror();
-        error = command + " needs the module " + path + ", which cannot be loaded: " +
-                (reason ? reason : "unknown error") + "; install praxa with its modules beside the executable";
+        error = command + " needs the module " + path + ", which cannot be loaded (" +
+                (reason ? reason : "unknown error") + "); put " + library + " of the same build beside praxa";
     }
     return entry;
 }

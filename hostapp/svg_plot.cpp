@@ -679,8 +679,27 @@ std::string renderPlotSvg(const PlotView &view)
     return svg.text;
 }
 
+namespace {
+
+bool fileHolds(const std::string &path, const std::string &text)
+{
+    std::ifstream in(path, std::ios::binary | std::ios::ate);
+    if (!in || in.tellg() != std::streamoff(text.size()))
+        return false;
+    std::string held(text.size(), '\0');
+    in.seekg(0);
+    return in.read(held.data(), std::streamsize(held.size())) && held == text;
+}
+
+}
+
 bool writeSvgFile(const std::string &path, const std::string &text, std::string *error)
 {
+    /* A file that already holds the text stays as it is: replacing it frees the old file's
+    ** blocks, which on a file system that discards them costs more than the whole analysis,
+    ** and its readers (the served page watches the modification time) have nothing new. */
+    if (fileHolds(path, text))
+        return true;
     std::string temporary = path + ".tmp";
     {
         std::ofstream out(temporary, std::ios::binary | std::ios::trunc);

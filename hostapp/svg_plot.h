@@ -16,8 +16,8 @@ namespace hostapp {
 ** logarithmic axis) are skipped; lines are clipped to the plot area. */
 std::string renderPlotSvg(const PlotView &view);
 
-/* Writes text to path through a temporary file and a rename; false with *error set
-** when that fails. */
+/* Writes text to path through a temporary file and a rename, unless the file already
+** holds exactly that text; false with *error set when that fails. */
 bool writeSvgFile(const std::string &path, const std::string &text, std::string *error);
 
 }

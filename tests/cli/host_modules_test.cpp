@@ -29,15 +29,17 @@ TEST(HostModules, OnlyDrawServeAndExpressionsNeedTheirModules)
         {"servo.json", "bode", 0, ""},
         {"servo.json", "draw", 2,
          "praxa: command line: the draw command needs the module " + dir.file("libpraxa_draw.so") +
-             ", which cannot be loaded: " + dir.file("libpraxa_draw.so") + ": cannot open shared object file: No such file or directory; install praxa with its modules beside the executable\n"},
+             ", which cannot be loaded (" + dir.file("libpraxa_draw.so") +
+             ": cannot open shared object file: No such file or directory); put libpraxa_draw.so of the same build beside praxa\n"},
         {"servo.json", "serve --port 0", 2,
-         "praxa: the serve command needs the module " + dir.file("libpraxa_serve.so") + ", which cannot be loaded: " +
-             dir.file("libpraxa_serve.so") + ": cannot open shared object file: No such file or directory"
-             "; install praxa with its modules beside the executable\n"},
+         "praxa: the serve command needs the module " + dir.file("libpraxa_serve.so") + ", which cannot be loaded (" +
+             dir.file("libpraxa_serve.so") +
+             ": cannot open shared object file: No such file or directory); put libpraxa_serve.so of the same build beside praxa\n"},
         {"maglev.json", "tf", 2,
          "praxa: " + examplePath("maglev.json") + ":6: block 'accel': the expression block needs the module " +
-             dir.file("libpraxa_expression.so") + ", which cannot be loaded: " + dir.file("libpraxa_expression.so") +
-             ": cannot open shared object file: No such file or directory; install praxa with its modules beside the executable\n"},
+             dir.file("libpraxa_expression.so") + ", which cannot be loaded (" + dir.file("libpraxa_expression.so") +
+             ": cannot open shared object file: No such file or directory); put libpraxa_expression.so of the same build "
+             "beside praxa\n"},
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(row.diagram + " " + row.command);
