@@ -11,131 +11,79 @@ using namespace testing_support;
 
 namespace {
 
-TEST(CommandLine, AboutShowsTheVersionThroughTheLoadedPlugin)
+const char *const ABOUT = "  static 100 \"Version  Build 10623.0\"";
+
+TEST(CommandLine, SessionsShowTranscriptsWriteSettingsAndExit)
 {
-    TempDir dir;
-    RunResult run = runPraxa("--settings " + dir.file("s.ini") + " --out " + dir.path + " about");
-    EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_NE(run.out.find("static 100 \"Version  Build 10623.0\""), std::string::npos) << run.out;
-    EXPECT_NE(run.out.find("[end] "), std::string::npos) << run.out;
+    const Session sessions[] = {
+        {"about through the loaded plug-in", {}, "about", 0, {"[dialog] About Praxa", ABOUT, "[end] About Praxa: 1"}, ""},
+        {"an old host is told the required version and nothing changes", {{"tervan.ini", ""}},
+         "--host-version 220 --host-revision 3 reuse-plots", 0,
+         {"[Tervan] Praxa requires version 23.0.00 of Tervan but you've got version 22.0.03"}, "",
+         {{"tervan.ini", ""}}},
+        {"the about box on an old host all the same", {}, "--host-version 220 --host-revision 3 about", 0, {ABOUT}},
+        {"reuse-plots keeps the other sections",
+         {{"tervan.ini", "# Tervan settings\n[display]\ngrid=on\n\n[tervan]\nmagUnits=215\n"}}, "reuse-plots", 0, {}, "",
+         {{"tervan.ini", "# Tervan settings\n[display]\ngrid=on\n\n[tervan]\nmagUnits=215\nprxReusePlots=1\n"}}},
+        {"reuse-plots twice toggles back",
+         {{"tervan.ini", "[tervan]\nprxReusePlots=1\n"}}, "reuse-plots", 0, {}, "",
+         {{"tervan.ini", "[tervan]\nprxReusePlots=0\n"}}},
+        {"unknown command", {}, "frobnicate", 2, {}, "praxa: unknown command 'frobnicate' (see praxa --help)\n"},
+        {"unknown option", {}, "--colour blue about", 2, {}, "praxa: unknown option --colour (see praxa --help)\n"},
+        {"unknown command option", {}, "about --fast", 2, {},
+         "praxa: unknown option --fast for command about (see praxa --help)\n"},
+        {"no command", {}, "", 2, {}, "praxa: no command given (see praxa --help)\n"},
+        {"help lists every menu command", {}, "--help", 0,
+         {"  linearize             linearize the selection; [--file NAME.m | --screen | --select-points]",
+          "  select-points         start the host's input/output point selection",
+          "  tf                    transfer function, zeros and poles",
+          "  compensator           compensator design; [--gain K] [--add-zero RE,IM] [--add-pole RE,IM] [--replot] "
+          "[--ok [--save]]",
+          "  select-compensator    show the diagram's compensator block (host)",
+          "  rlocus                root locus plot",
+          "  rlocus-options        root locus gain range; [--start K --stop K --steps N --auto|--no-auto]",
+          "  nyquist               Nyquist plot", "  bode                  Bode magnitude and phase plots",
+          "  frequency-range       frequency range; [--start F --stop F --steps N] [--cancel: look without saving]",
+          "  preferences           units, precision, thresholds; [--frequency-unit hertz|rad] [--phase-unit "
+          "degrees|radians]",
+          "  reuse-plots           toggle reuse of plots", "  about                 the about box"},
+         ""},
+        {"a settings path that is a folder reads as empty", {}, "--settings {dir} about", 0, {ABOUT}, ""},
+        {"a script runs commands in order with their dialog actions",
+         {{"session.txt", "# two toggles and the about box\nreuse-plots\nabout\n  cancel\nreuse-plots\nreuse-plots\n"}},
+         "--script {dir}/session.txt", 0, {"  > cancel", "  > default 1", "[end] About Praxa: 1"}, "",
+         {{"tervan.ini", "[tervan]\nprxReusePlots=1\n"}}},
+        {"a script error names the line", {{"a.txt", "about\n  type x y\n"}}, "--script {dir}/a.txt", 2, {},
+         "praxa: {dir}/a.txt:2: dialog action 'type': 'x' is not a control id (the transcript shows each control "
+         "with its id)\n"},
+        {"an action before any command", {{"b.txt", "  click 1\n"}}, "--script {dir}/b.txt", 2, {},
+         "praxa: {dir}/b.txt:1: a dialog action must follow a command; put the command on an unindented line above "
+         "it\n"},
+        {"actions no dialog used make the run fail", {}, "reuse-plots --click 5", 1, {},
+         "praxa: command line: 1 dialog action(s) were not used by any dialog; check them against the dialogs in the "
+         "transcript\n"},
+    };
+    for (const Session &session : sessions)
+        expectSession(session);
 }
 
-TEST(CommandLine, OldHostIsToldTheRequiredVersionAndNothingChanges)
-{
-    TempDir dir;
-    RunResult run = runPraxa("--settings " + dir.file("s.ini") + " --host-version 220 --host-revision 3 reuse-plots");
-    EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_EQ(run.out, "[Tervan] Praxa requires version 23.0.00 of Tervan but you've got version 22.0.03\n");
-    EXPECT_EQ(readFile(dir.file("s.ini")), "");
-
-    run = runPraxa("--settings " + dir.file("s.ini") + " --host-version 220 --host-revision 3 about");
-    EXPECT_EQ(run.status, 0);
-    EXPECT_NE(run.out.find("Version  Build 10623.0"), std::string::npos);
-}
-
-TEST(CommandLine, ReusePlotsTwiceWritesOneThenZeroKeepingOtherSections)
-{
-    TempDir dir;
-    std::string settings = dir.file("s.ini");
-    writeFile(settings, "# Tervan settings\n[display]\ngrid=on\n\n[tervan]\nmagUnits=215\n");
-    RunResult run = runPraxa("--settings " + settings + " reuse-plots");
-    EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_EQ(readFile(settings), "# Tervan settings\n[display]\ngrid=on\n\n[tervan]\nmagUnits=215\nprxReusePlots=1\n");
-    run = runPraxa("--settings " + settings + " reuse-plots");
-    EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_EQ(readFile(settings), "# Tervan settings\n[display]\ngrid=on\n\n[tervan]\nmagUnits=215\nprxReusePlots=0\n");
-}
-
-TEST(CommandLine, UnknownCommandsAndOptionsAreRefusedOnStderr)
-{
-    RunResult run = runPraxa("frobnicate");
-    EXPECT_EQ(run.status, 2);
-    EXPECT_EQ(run.err, "praxa: unknown command 'frobnicate' (see praxa --help)\n");
-    EXPECT_EQ(run.out, "");
-
-    run = runPraxa("--colour blue about");
-    EXPECT_EQ(run.status, 2);
-    EXPECT_EQ(run.err, "praxa: unknown option --colour (see praxa --help)\n");
-
-    run = runPraxa("about --fast");
-    EXPECT_EQ(run.status, 2);
-    EXPECT_EQ(run.err, "praxa: unknown option --fast for command about (see praxa --help)\n");
-
-    run = runPraxa("--host-version x about");
-    EXPECT_EQ(run.status, 2);
-    EXPECT_NE(run.err.find("--host-version takes a whole number"), std::string::npos);
-
-    run = runPraxa("");
-    EXPECT_EQ(run.status, 2);
-    EXPECT_EQ(run.err, "praxa: no command given (see praxa --help)\n");
-}
-
-TEST(CommandLine, HelpListsEveryMenuCommand)
-{
-    RunResult run = runPraxa("--help");
-    EXPECT_EQ(run.status, 0);
-    for (const char *name : {"linearize", "select-points", "tf", "compensator", "select-compensator", "rlocus",
-                             "rlocus-options", "nyquist", "bode", "frequency-range", "preferences", "reuse-plots",
-                             "about"})
-        EXPECT_NE(run.out.find(std::string("  ") + name + " "), std::string::npos) << name;
-}
-
-TEST(CommandLine, UnreadableSettingsFileReadsAsEmpty)
-{
-    TempDir dir;
-    RunResult run = runPraxa("--settings " + dir.path + " about");
-    EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_NE(run.out.find("Version  Build 10623.0"), std::string::npos);
-}
-
-TEST(CommandLine, SettingsThatCannotBeWrittenAreReportedAndTheOldFileStays)
+/* Messages that hold a value only the system gives. */
+TEST(CommandLine, UnusableInputsAreNamedOnStderr)
 {
     std::string before = readFile("/proc/version");
     RunResult run = runPraxa("--settings /proc/version reuse-plots");
     EXPECT_EQ(run.status, 1);
-    EXPECT_NE(run.err.find("praxa: the settings file /proc/version could not be written"), std::string::npos) << run.err;
     EXPECT_NE(run.out.find("[error] Cannot write settings file /proc/version"), std::string::npos) << run.out;
+    EXPECT_NE(run.err.find("praxa: the settings file /proc/version could not be written"), std::string::npos) << run.err;
     EXPECT_EQ(readFile("/proc/version"), before);
-}
 
-}
-
-namespace {
-
-TEST(CommandLine, ScriptRunsCommandsInOrderWithTheirDialogActions)
-{
-    TempDir dir;
-    writeFile(dir.file("session.txt"), "# two toggles and the about box\nreuse-plots\nabout\n  cancel\nreuse-plots\nreuse-plots\n");
-    RunResult run = runPraxa("--settings " + dir.file("s.ini") + " --script " + dir.file("session.txt"));
-    EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_NE(run.out.find("  > cancel\n  > default 1\n[end] About Praxa: 1\n"), std::string::npos) << run.out;
-    EXPECT_EQ(readFile(dir.file("s.ini")), "[tervan]\nprxReusePlots=1\n");
-}
-
-TEST(CommandLine, ScriptErrorsNameTheLine)
-{
-    TempDir dir;
-    writeFile(dir.file("a.txt"), "about\n  type x y\n");
-    RunResult run = runPraxa("--script " + dir.file("a.txt"));
+    run = runPraxa("--host-version x about");
     EXPECT_EQ(run.status, 2);
-    EXPECT_EQ(run.err, "praxa: " + dir.file("a.txt") + ":2: dialog action 'type': 'x' is not a control id (the transcript shows each control with its id)\n");
+    EXPECT_NE(run.err.find("--host-version takes a whole number"), std::string::npos) << run.err;
 
-    writeFile(dir.file("b.txt"), "  click 1\n");
-    run = runPraxa("--script " + dir.file("b.txt"));
+    run = runPraxa("--script /nonexistent/missing.txt");
     EXPECT_EQ(run.status, 2);
-    EXPECT_EQ(run.err, "praxa: " + dir.file("b.txt") + ":1: a dialog action must follow a command; put the command on an unindented line above it\n");
-
-    run = runPraxa("--script " + dir.file("missing.txt"));
-    EXPECT_EQ(run.status, 2);
-    EXPECT_NE(run.err.find("cannot read script"), std::string::npos);
-}
-
-TEST(CommandLine, ActionsNoDialogUsedMakeTheRunFail)
-{
-    TempDir dir;
-    RunResult run = runPraxa("--settings " + dir.file("s.ini") + " reuse-plots --click 5");
-    EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.err, "praxa: command line: 1 dialog action(s) were not used by any dialog; check them against the dialogs in the transcript\n");
+    EXPECT_NE(run.err.find("cannot read script"), std::string::npos) << run.err;
 }
 
 }

@@ -1,6 +1,5 @@
 /*
-** tests/cli/options_test.cpp: the command line's options in any order around the diagram,
-** the command and the script; option values refused before they reach a dialog; the
+** tests/cli/options_test.cpp: option values refused before they reach a dialog; the
 ** settings dialogs looked at without saving.
 */
 #include <gtest/gtest.h>
@@ -10,22 +9,6 @@
 using namespace testing_support;
 
 namespace {
-
-TEST(CommandLineOptions, OptionsAndTheScriptMayComeBeforeOrAfterTheDiagramAndCommand)
-{
-    TempDir dir;
-    writeFile(dir.file("x.txt"), "tf\n");
-    std::string servo = examplePath("servo.json"), s = dir.file("s.ini"), out = dir.file("o");
-    for (const std::string &arguments : {"--out " + out + " " + servo + " --script " + dir.file("x.txt") + " --settings " + s,
-                                         servo + " --script " + dir.file("x.txt") + " --settings " + s + " --out " + out,
-                                         servo + " tf --settings " + s + " --out " + out,
-                                         "--settings " + s + " " + servo + " --out " + out + " tf"}) {
-        SCOPED_TRACE(arguments);
-        RunResult run = runPraxa(arguments);
-        EXPECT_EQ(run.status, 0) << run.err;
-        EXPECT_NE(run.out.find("[end] Zeros and Poles: 1\n"), std::string::npos) << run.out;
-    }
-}
 
 TEST(CommandLineOptions, UnusableValuesAndPointsAreRefusedBeforeAnyDialog)
 {

@@ -57,7 +57,7 @@ TEST_F(CompensatorTest, ReplotDrawsTheLocusOfTheWholeLoop)
                 EXPECT_LT(std::abs(value), 1e-9 * (1.0 + std::pow(std::abs(s), 3))) << "step " << step;
             }
         rootLocusPlot = nullptr;
-        currentCompensator = Compensator{};
+        resetCompensator();
     }
 
     /* Automatic range: the box comes from the loop's poles 0, -1, -10 (S = 20), so the pair

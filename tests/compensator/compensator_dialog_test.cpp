@@ -3,6 +3,8 @@
 ** shows at first use, editing the lists (Add, Del, Change, the current list), reading
 ** them, OK with the hand-over to the host, Cancel, persistence and the reset event.
 */
+#include <cmath>
+
 #include "tests/compensator/compensator_fixture.h"
 
 using namespace comptest;
@@ -26,65 +28,77 @@ TEST_F(CompensatorTest, FirstUseShowsGainOneEmptyListsAndOneRowPerPlantPole)
     EXPECT_EQ(currentCompensator.gain, 1.0);
 }
 
-TEST_F(CompensatorTest, AddAppendsTheNormalizedRootAndSelectsIt)
+/* Editing the lists, as the dialog holds them when OK is pressed, and as the record reads them. */
+TEST_F(CompensatorTest, ListEditingAsTheDialogHoldsItAtOk)
 {
-    type(IDC_COMP_ZERO_EDIT, "(-2");
-    click(IDC_COMP_ADD);
-    type(IDC_COMP_ZERO_EDIT, "3");
-    click(IDC_COMP_ADD);
-    type(IDC_COMP_POLE_EDIT, "-1,2");
-    click(IDC_COMP_ADD);
-    type(IDC_COMP_POLE_EDIT, "(-1, -2)");
-    click(IDC_COMP_ADD);
-    type(IDC_COMP_POLE_EDIT, "x");     /* unreadable: 0 */
-    click(IDC_COMP_ADD);
-    click(IDOK);
-    EXPECT_EQ(designSpied(), IDOK);
-    EXPECT_EQ(zerosAtEnd.entries, (Entries{"(-2,0)", "(3,0)"}));
-    EXPECT_EQ(zerosAtEnd.selected, 1);
-    EXPECT_EQ(polesAtEnd.entries, (Entries{"(-1,2)", "(-1,-2)", "(0,0)"}));
-    EXPECT_EQ(polesAtEnd.selected, 2);
-    EXPECT_EQ(platform::scriptErrorCount(), 0);
-    /* the dialog opens with the focus on OK, set by the procedure itself */
-    EXPECT_TRUE(focusOnOkAfterInit);
-    EXPECT_EQ(initDialogResult, 0);
-}
-
-TEST_F(CompensatorTest, ChangeKeepsTheTypedTextWhichIsStillReadAsARoot)
-{
-    type(IDC_COMP_ZERO_EDIT, "-5");
-    click(IDC_COMP_ADD);
-    type(IDC_COMP_ZERO_EDIT, "-7");
-    click(IDC_COMP_ADD);
-    select(IDC_COMP_ZEROS, 0);
-    type(IDC_COMP_ZERO_EDIT, "-2, 1");
-    click(IDC_COMP_CHANGE);
-    click(IDOK);
-    EXPECT_EQ(designSpied(), IDOK);
-    EXPECT_EQ(zerosAtEnd.entries, (Entries{"-2, 1", "(-7,0)"}));
-    EXPECT_EQ(zerosAtEnd.selected, 0);
-    ASSERT_EQ(currentCompensator.zeroCount, 2);
-    EXPECT_EQ(currentCompensator.zeros[0].re, -2.0);
-    EXPECT_EQ(currentCompensator.zeros[0].im, 1.0);
-    EXPECT_EQ(currentCompensator.zeros[1].re, -7.0);
-    EXPECT_EQ(currentCompensator.zeros[1].im, 0.0);
-}
-
-TEST_F(CompensatorTest, SelectingAnEntryCopiesItIntoThePairedEditAndMakesItsListCurrent)
-{
-    type(IDC_COMP_POLE_EDIT, "-3");
-    click(IDC_COMP_ADD);
-    type(IDC_COMP_ZERO_EDIT, "-4");     /* the zero list is now current */
-    select(IDC_COMP_POLES, 0);          /* the pole list again, its entry in edit 1020 */
-    type(IDC_COMP_POLE_EDIT, "");       /* (an empty text reads as 0) */
-    select(IDC_COMP_POLES, 0);
-    click(IDC_COMP_ADD);                /* adds the copied "(-3,0)" to the poles */
-    click(IDOK);
-    EXPECT_EQ(designSpied(), IDOK);
-    EXPECT_TRUE(zerosAtEnd.entries.empty());
-    EXPECT_EQ(polesAtEnd.entries, (Entries{"(-3,0)", "(-3,0)"}));
-    EXPECT_EQ(currentList, IDC_COMP_POLES);
-    EXPECT_EQ(currentEdit, IDC_COMP_POLE_EDIT);
+    /* The long root's imaginary part, 4092 ones, overflows to infinity. */
+    const std::string longRoot = "-3," + std::string(5000, '1');
+    struct Row {
+        const char *name;
+        std::vector<DialogAction> actions;
+        Entries zeros, poles;
+        int zeroSelected, poleSelected;
+        std::vector<Complex> recordZeros;
+        double gain;
+        int list, edit;                 /* the current list and its edit afterwards */
+    } rows[] = {
+        /* Add appends the normalized root and selects it; unreadable text reads as 0. */
+        {"add",
+         {{DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, "(-2", 0}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0},
+          {DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, "3", 0}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0},
+          {DIALOG, ActionKind::Type, IDC_COMP_POLE_EDIT, "-1, 2"}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0},
+          {DIALOG, ActionKind::Type, IDC_COMP_POLE_EDIT, "(-1, -2)", 0}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0},
+          {DIALOG, ActionKind::Type, IDC_COMP_POLE_EDIT, "x", 0}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0}},
+         {"(-2,0)", "(3,0)"}, {"(-1,2)", "(-1,-2)", "(0,0)"}, 1, 2, {{-2, 0}, {3, 0}}, 1.0,
+         IDC_COMP_POLES, IDC_COMP_POLE_EDIT},
+        /* Change keeps the typed text, which is still read as a root. */
+        {"change",
+         {{DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, "-5", 0}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0},
+          {DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, "-7", 0}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0},
+          {DIALOG, ActionKind::Select, IDC_COMP_ZEROS, "", 0}, {DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, "-2, 1"},
+          {DIALOG, ActionKind::Click, IDC_COMP_CHANGE, "", 0}},
+         {"-2, 1", "(-7,0)"}, {}, 0, -1, {{-2, 1}, {-7, 0}}, 1.0, IDC_COMP_ZEROS, IDC_COMP_ZERO_EDIT},
+        /* Selecting an entry copies it into the paired edit and makes its list current; an
+        ** empty text reads as 0. */
+        {"select",
+         {{DIALOG, ActionKind::Type, IDC_COMP_POLE_EDIT, "-3", 0}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0},
+          {DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, "-4", 0}, {DIALOG, ActionKind::Select, IDC_COMP_POLES, "", 0},
+          {DIALOG, ActionKind::Type, IDC_COMP_POLE_EDIT, "", 0}, {DIALOG, ActionKind::Select, IDC_COMP_POLES, "", 0},
+          {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0}},
+         {}, {"(-3,0)", "(-3,0)"}, -1, 1, {}, 1.0, IDC_COMP_POLES, IDC_COMP_POLE_EDIT},
+        /* Long texts are cut to the work buffers: 2e100 to 63 characters, 2e62. */
+        {"long texts",
+         {{DIALOG, ActionKind::Type, IDC_COMP_GAIN, "2" + std::string(100, '0'), 0},
+          {DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, "-1", 0}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0},
+          {DIALOG, ActionKind::Select, IDC_COMP_ZEROS, "", 0}, {DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, longRoot, 0},
+          {DIALOG, ActionKind::Click, IDC_COMP_CHANGE, "", 0}},
+         {longRoot.substr(0, 4095)}, {}, 0, -1, {{-3, INFINITY}}, 2e62,
+         IDC_COMP_ZEROS, IDC_COMP_ZERO_EDIT},
+    };
+    for (const Row &row : rows) {
+        for (const DialogAction &action : row.actions)
+            platform::queueDialogAction(action);
+        click(IDOK);
+        EXPECT_EQ(designSpied(), IDOK) << row.name;
+        EXPECT_EQ(platform::scriptErrorCount(), 0) << row.name;
+        EXPECT_EQ(zerosAtEnd.entries, row.zeros) << row.name;
+        EXPECT_EQ(polesAtEnd.entries, row.poles) << row.name;
+        EXPECT_EQ(zerosAtEnd.selected, row.zeroSelected) << row.name;
+        EXPECT_EQ(polesAtEnd.selected, row.poleSelected) << row.name;
+        EXPECT_EQ(currentCompensator.gain, row.gain) << row.name;
+        ASSERT_EQ(currentCompensator.zeroCount, (int32_t)row.recordZeros.size()) << row.name;
+        for (size_t i = 0; i < row.recordZeros.size(); ++i) {
+            EXPECT_EQ(currentCompensator.zeros[i].re, row.recordZeros[i].re) << row.name << " zero " << i;
+            EXPECT_EQ(currentCompensator.zeros[i].im, row.recordZeros[i].im) << row.name << " zero " << i;
+        }
+        EXPECT_EQ(currentList, row.list) << row.name;
+        EXPECT_EQ(currentEdit, row.edit) << row.name;
+        /* the dialog opens with the focus on OK, set by the procedure itself */
+        EXPECT_TRUE(focusOnOkAfterInit) << row.name;
+        EXPECT_EQ(initDialogResult, 0) << row.name;
+        resetCompensator();
+        currentList = currentEdit = 0;
+    }
 }
 
 TEST_F(CompensatorTest, OkReadsTheDialogAndHandsTheRecordToTheHost)
@@ -166,23 +180,4 @@ TEST_F(CompensatorTest, RootTextsParseAsTheUserTypesThem)
         EXPECT_EQ(root.re, c.re) << c.text;
         EXPECT_EQ(root.im, c.im) << c.text;
     }
-}
-
-TEST_F(CompensatorTest, LongTextsAreCutToTheWorkBuffers)
-{
-    std::string longRoot = "-3," + std::string(5000, '1');
-    std::string longGain = "2" + std::string(100, '0');    /* 2e100, cut to 63 characters: 2e62 */
-    type(IDC_COMP_GAIN, longGain);
-    type(IDC_COMP_ZERO_EDIT, "-1");
-    click(IDC_COMP_ADD);
-    select(IDC_COMP_ZEROS, 0);
-    type(IDC_COMP_ZERO_EDIT, longRoot);
-    click(IDC_COMP_CHANGE);
-    click(IDOK);
-    EXPECT_EQ(designSpied(), IDOK);
-    ASSERT_EQ(zerosAtEnd.entries.size(), 1u);
-    EXPECT_EQ(zerosAtEnd.entries[0], longRoot.substr(0, 4095));
-    EXPECT_EQ(currentCompensator.gain, 2e62);
-    ASSERT_EQ(currentCompensator.zeroCount, 1);
-    EXPECT_EQ(currentCompensator.zeros[0].re, -3.0);
 }

@@ -88,7 +88,6 @@ class CompensatorTest : public ::testing::Test {
 protected:
     testing_support::TempDir dir;
     std::unique_ptr<xfertest::Model> plant;
-    StateSpaceModel savedModel{};
     std::vector<std::pair<WPARAM, LPARAM>> hostCommands;
 
     void SetUp() override
@@ -108,8 +107,7 @@ protected:
         frequencyUnit.selected = FREQUENCY_UNIT_RADIANS;
         phaseUnit.selected = PHASE_UNIT_DEGREES;
         displayPrecision = 6;
-        savedModel = stateSpaceModel;
-        currentCompensator = Compensator{};
+        testing_support::releasePluginRecords();
         currentList = currentEdit = 0;
         /* 1/(s (s + 1)) */
         usePlant(xfertest::controllableForm({1.0, 0.0}, {0.0, 1.0}));
@@ -118,9 +116,9 @@ protected:
 
     void TearDown() override
     {
-        stateSpaceModel = savedModel;
+        stateSpaceModel = {};     /* the plant's matrices are the test's */
+        testing_support::releasePluginRecords();
         bodePhasePlot = bodeMagnitudePlot = nyquistPlot = rootLocusPlot = nullptr;
-        currentCompensator = Compensator{};
         currentList = currentEdit = 0;
         hostapp::resetHost();
     }

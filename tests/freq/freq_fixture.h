@@ -40,7 +40,6 @@ protected:
     testing_support::TempDir dir;
     HostBlock *phasePlot = nullptr;
     HostBlock *magnitudePlot = nullptr;
-    StateSpaceModel savedModel{};
 
     void SetUp() override
     {
@@ -53,13 +52,13 @@ protected:
         phaseUnit.selected = PHASE_UNIT_DEGREES;
         magnitudeUnit.selected = MAGNITUDE_UNIT_LOG10;
         displayPrecision = 6;
-        savedModel = stateSpaceModel;
+        testing_support::releasePluginRecords();
         platform::clearTranscript();
     }
 
     void TearDown() override
     {
-        stateSpaceModel = savedModel;
+        testing_support::releasePluginRecords();
         bodePhasePlot = bodeMagnitudePlot = nyquistPlot = rootLocusPlot = nullptr;
         hostapp::resetHost();
     }

@@ -36,6 +36,7 @@ protected:
     void setModel(uint32_t n, std::initializer_list<double> a, std::initializer_list<double> b,
                   std::initializer_list<double> c, double d)
     {
+        testing_support::releasePluginRecords();
         stateSpaceModel.A = matrixFromRows(n, n, a);
         stateSpaceModel.B = matrixFromRows(n, 1, b);
         stateSpaceModel.C = matrixFromRows(1, n, c);
@@ -46,13 +47,6 @@ protected:
         phasePlot = makePlotNode(0, 0);
         magnitudePlot = makePlotNode(20, 20);
         frequencyResponse(phasePlot, magnitudePlot, &frequencyRange, nullptr, nullptr, 0, 0, order, 0, 0.0);
-    }
-    void TearDown() override
-    {
-        for (Matrix *m : {stateSpaceModel.A, stateSpaceModel.B, stateSpaceModel.C, stateSpaceModel.D})
-            if (m != savedModel.A && m != savedModel.B && m != savedModel.C && m != savedModel.D)
-                gfree(m);
-        FreqTest::TearDown();
     }
 };
 

@@ -13,11 +13,6 @@ using platform::DialogAction;
 
 namespace {
 
-void queue(ActionKind kind, int control, const std::string &text = "")
-{
-    platform::queueDialogAction(DialogAction{"NYQUISTINFINITI", kind, control, text});
-}
-
 const char *const NOTICE =
     "[ JW-Poles]  Poles detected on the imaginary axis, There will be circles at infinity\n";
 const char *const SHOWN =
@@ -38,56 +33,52 @@ protected:
     }
 };
 
-TEST_F(NyquistDialog, ValueBelowTwoIsRefusedAndTwoIsAccepted)
+/* Each row: the actions, the whole transcript after the notice and the dialog, the value
+** kept and where the search for the infinity crossing ended (the detour's first point). */
+TEST_F(NyquistDialog, EntriesBelowTwoAreRefusedEscKeepsTheValueHelpIsNotHandled)
 {
-    queue(ActionKind::Type, IDC_NYQUIST_INFINITY, "1.5");
-    queue(ActionKind::Click, IDOK);
-    queue(ActionKind::Type, IDC_NYQUIST_INFINITY, "2");
-    queue(ActionKind::Click, IDOK);
-    run(1.0, 1.0);
-    EXPECT_EQ(transcript(), std::string(NOTICE) + SHOWN +
-                                "  > type 901 \"1.5\"\n"
-                                "  > click 1\n"
-                                "[Error]  The value for infinity must be >= 2\n"
-                                "  > type 901 \"2\"\n"
-                                "  > click 1\n"
-                                "[end] Nyquist: 1\n");
-    EXPECT_EQ(nyquistInfinity, 2.0);
-    /* With R∞ = 2 the crossing search ends at 0.4296875 (|Y| = 1.96). */
-    EXPECT_EQ(W[251], -0.4296875);
-    EXPECT_EQ(platform::pendingDialogActions(), 0u);
-}
-
-TEST_F(NyquistDialog, TextThatReadsAsZeroIsRefusedButNotANumberIsNotBelowTwo)
-{
-    queue(ActionKind::Type, IDC_NYQUIST_INFINITY, "abc");   /* atof gives 0 */
-    queue(ActionKind::Click, IDOK);
-    queue(ActionKind::Type, IDC_NYQUIST_INFINITY, "nan");
-    queue(ActionKind::Click, IDOK);
-    run(1.0, 1.0);
-    std::string t = transcript();
-    size_t first = t.find("[Error]  The value for infinity must be >= 2\n");
-    ASSERT_NE(first, std::string::npos);
-    EXPECT_EQ(t.find("[Error]", first + 1), std::string::npos) << "nan is accepted";
-    EXPECT_NE(t.find("[end] Nyquist: 1\n"), std::string::npos);
-    EXPECT_TRUE(std::isnan(nyquistInfinity));
-    /* No evaluation compares with a NaN radius: the search keeps the midpoint 10 / 2,
-    ** so the detour around the origin starts at -5. */
-    EXPECT_EQ(W[251], -5.0);
-    EXPECT_EQ(platform::pendingDialogActions(), 0u);
-}
-
-TEST_F(NyquistDialog, EscapeKeepsTheValueAndHelpIsNotHandled)
-{
-    queue(ActionKind::Type, IDC_NYQUIST_INFINITY, "50");
-    queue(ActionKind::Click, IDC_HELP);
-    queue(ActionKind::Cancel, 0);
-    run(1.0, 1.0);
-    EXPECT_EQ(transcript(), std::string(NOTICE) + SHOWN +
-                                "  > type 901 \"50\"\n"
-                                "  > click 9\n"
-                                "  > cancel\n"
-                                "[end] Nyquist: 2\n");
-    EXPECT_EQ(nyquistInfinity, 10.0);
-    EXPECT_EQ(W[251], -0.09765625);
+    struct Row {
+        const char *name;
+        std::vector<DialogAction> actions;
+        const char *after;              /* nullptr: only the last line is checked */
+        double infinity;
+        double detourStart;
+    } rows[] = {
+        /* With R = 2 the crossing search ends at 0.4296875 (|Y| = 1.96). */
+        {"1.5 refused, 2 accepted",
+         {{"", ActionKind::Type, IDC_NYQUIST_INFINITY, "1.5", 0}, {"", ActionKind::Click, IDOK, "", 0},
+          {"", ActionKind::Type, IDC_NYQUIST_INFINITY, "2", 0}, {"", ActionKind::Click, IDOK, "", 0}},
+         "  > type 901 \"1.5\"\n  > click 1\n[Error]  The value for infinity must be >= 2\n"
+         "  > type 901 \"2\"\n  > click 1\n[end] Nyquist: 1\n",
+         2.0, -0.4296875},
+        /* atof("abc") is 0, refused; "nan" is not below 2. No evaluation compares with a NaN
+        ** radius: the search keeps the midpoint 10 / 2, so the detour starts at -5. */
+        {"text reading as zero refused, NaN taken",
+         {{"", ActionKind::Type, IDC_NYQUIST_INFINITY, "abc", 0}, {"", ActionKind::Click, IDOK, "", 0},
+          {"", ActionKind::Type, IDC_NYQUIST_INFINITY, "nan", 0}, {"", ActionKind::Click, IDOK, "", 0}},
+         "  > type 901 \"abc\"\n  > click 1\n[Error]  The value for infinity must be >= 2\n"
+         "  > type 901 \"nan\"\n  > click 1\n[end] Nyquist: 1\n",
+         NAN, -5.0},
+        {"Esc keeps the value, Help does nothing",
+         {{"", ActionKind::Type, IDC_NYQUIST_INFINITY, "50", 0}, {"", ActionKind::Click, IDC_HELP, "", 0},
+          {"", ActionKind::Cancel, 0, "", 0}},
+         "  > type 901 \"50\"\n  > click 9\n  > cancel\n[end] Nyquist: 2\n", 10.0, -0.09765625},
+    };
+    for (const Row &row : rows) {
+        SetUp();
+        for (const DialogAction &action : row.actions)
+            platform::queueDialogAction(action);
+        run(1.0, 1.0);
+        EXPECT_EQ(transcript(), std::string(NOTICE) + SHOWN + row.after) << row.name;
+        if (std::isnan(row.infinity)) {
+            EXPECT_TRUE(std::isnan(nyquistInfinity)) << row.name;
+        } else {
+            EXPECT_EQ(nyquistInfinity, row.infinity) << row.name;
+        }
+        EXPECT_EQ(W[251], row.detourStart) << row.name;
+        EXPECT_EQ(platform::pendingDialogActions(), 0u) << row.name;
+        TearDown();
+        W = nullptr;
+        nyquistInfinity = 10.0;
+    }
 }

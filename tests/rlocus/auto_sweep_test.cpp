@@ -188,39 +188,29 @@ TEST_F(AutoSweep, AsManyZerosAsPolesNumbersTheBranchesFromOne)
               (std::vector<int32_t>{1, 2}));
 }
 
-TEST_F(AutoSweep, EndpointsInsideTheBoxAreTheZeroBranchesInBranchOrder)
+TEST_F(AutoSweep, ZeroBranchesPairEndpointsInsideTheBoxGreedilyByDistance)
 {
-    plotWithParamInfo(3);
-    const Complex zeros[1] = {{-2, 0}};
-    const Complex endpoints[3] = {{-30, 0}, {-2.001, 0}, {5, 40}};
-    assignZeroBranches(plot, endpoints, 4.0, 3, 3, 1, zeros);
-    EXPECT_EQ(zeroBranches(1), (std::vector<int32_t>{1}));
-}
-
-TEST_F(AutoSweep, WrongOutsideCountPairsGreedilyByDistance)
-{
-    /* All three endpoints inside (one branch should be outside): greedy pairing.  The
-    ** closest pair of all, endpoint 0.6 with zero 1, goes first, although zero 0 taken
-    ** first would also have chosen endpoint 0.6. */
-    plotWithParamInfo(3);
-    const Complex zeros[2] = {{0, 0}, {1, 0}};
-    const Complex endpoints[3] = {{0.6, 0}, {1.5, 0}, {5, 0}};
-    assignZeroBranches(plot, endpoints, 10.0, 3, 3, 2, zeros);
-    EXPECT_EQ(zeroBranches(2), (std::vector<int32_t>{1, 0}));
-
-    /* Equal distances: the first endpoint, then the first zero, wins. */
-    const Complex tied[3] = {{0.5, 0}, {0.5, 0}, {5, 0}};
-    assignZeroBranches(plot, tied, 10.0, 3, 3, 2, zeros);
-    EXPECT_EQ(zeroBranches(2), (std::vector<int32_t>{0, 1}));
-}
-
-TEST_F(AutoSweep, ZerosLeftWithoutAnEndpointAreMarkedMinusOne)
-{
-    plotWithParamInfo(3);
-    const Complex zeros[2] = {{-1, 0}, {-3, 0}};
-    const Complex endpoints[3] = {{-2.9, 0}, {50, 0}, {-50, 0}};
-    assignZeroBranches(plot, endpoints, 10.0, 3, 3, 2, zeros);
-    EXPECT_EQ(zeroBranches(2), (std::vector<int32_t>{-1, 0}));
+    struct Row {
+        const char *name;
+        double box;
+        std::vector<Complex> zeros, endpoints;
+        std::vector<int32_t> branches;
+    } rows[] = {
+        /* Endpoints outside the box (|re| or |im| >= S) are no zero's branch. */
+        {"inside the box, in branch order", 4.0, {{-2, 0}}, {{-30, 0}, {-2.001, 0}, {5, 40}}, {1}},
+        /* Three endpoints inside (one branch should be outside): the closest pair of all,
+        ** endpoint 0.6 with zero 1, goes first, although zero 0 taken first would also
+        ** have chosen endpoint 0.6. */
+        {"greedy by distance", 10.0, {{0, 0}, {1, 0}}, {{0.6, 0}, {1.5, 0}, {5, 0}}, {1, 0}},
+        {"ties: first endpoint, then first zero", 10.0, {{0, 0}, {1, 0}}, {{0.5, 0}, {0.5, 0}, {5, 0}}, {0, 1}},
+        {"a zero without an endpoint is -1", 10.0, {{-1, 0}, {-3, 0}}, {{-2.9, 0}, {50, 0}, {-50, 0}}, {-1, 0}},
+    };
+    for (const Row &row : rows) {
+        plotWithParamInfo(3);
+        int32_t nZ = (int32_t)row.zeros.size();
+        assignZeroBranches(plot, row.endpoints.data(), row.box, 3, 3, nZ, row.zeros.data());
+        EXPECT_EQ(zeroBranches(nZ), row.branches) << row.name;
+    }
 }
 
 }

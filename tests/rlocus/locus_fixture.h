@@ -16,6 +16,7 @@
 
 #include "host/host.h"
 #include "hostapp/host_state.h"
+#include "support.h"
 #include "hostapp/plots.h"
 #include "linearize/linearize.h"
 #include "platform/driver.h"
@@ -63,7 +64,6 @@ inline double distance(Complex a, Complex b) { return std::hypot(a.re - b.re, a.
 class LocusTest : public ::testing::Test {
 protected:
     std::filesystem::path outputDir;
-    StateSpaceModel savedModel{};
     StateSpaceModel model{};
     int32_t n = 0;
     double *num = nullptr;          /* monic N(s), ascending, n + 2 */
@@ -86,13 +86,14 @@ protected:
         rootLocusPlotCount = 0;
         gainRange = {50, 0.0, 100.0};
         optionsMemory.autoRange = 0;
-        savedModel = stateSpaceModel;
+        testing_support::releasePluginRecords();
     }
 
     void TearDown() override
     {
+        stateSpaceModel = {};     /* the loop's matrices are the test's */
         releaseModel();
-        stateSpaceModel = savedModel;
+        testing_support::releasePluginRecords();
         hostapp::resetHost();
     }
 
