@@ -102,40 +102,32 @@ TEST_F(FrequencyResponse, NegativeEndsAreReportedBeforeZeroEnds)
     }
 }
 
-TEST_F(FrequencyResponse, DefaultGridRunsFromPointOneToOneHundred)
+/* 2/(s+1)^3 on the default grid 0.1 ... 100, in rad/s and in Hertz (evaluated at 2 pi f,
+** the axis staying in Hertz), point by point. */
+TEST_F(FrequencyResponse, LogarithmicGridInBothUnits)
 {
-    bode(2.0, {}, TRIPLE_POLE);
-    std::vector<double> m = magnitudes(), p = phases();
-    ASSERT_EQ(m.size(), 50u);
-    ASSERT_EQ(p.size(), 50u);
-    PlotRecord *plot = plotRecordOf(magnitudePlot);
-    EXPECT_EQ(plot->pointCount, 50u);
-    EXPECT_EQ(plot->sweepStart, 0.1);
-    EXPECT_EQ(plot->sweepStop, 100.0);
-    for (int k = 1; k <= 50; k++) {
-        double w = gridPoint(k, 50, 0.1, 100.0);
-        SCOPED_TRACE(k);
-        EXPECT_NEAR(m[k - 1], 2.0 / std::pow(1 + w * w, 1.5), 1e-12 * m[k - 1]);
-        EXPECT_NEAR(p[k - 1], -3.0 * std::atan(w) * 180.0 / PI, 1e-9);
-    }
-    /* First point at 0.1, last at 100. */
-    EXPECT_NEAR(m[0], 2.0 / std::pow(1.01, 1.5), 1e-14);
-    EXPECT_NEAR(m[49], 2.0 / std::pow(10001.0, 1.5), 1e-18);
-    EXPECT_NEAR(p[49], -3.0 * std::atan(100.0) * 180.0 / PI, 1e-9);
-}
-
-TEST_F(FrequencyResponse, HertzGridIsEvaluatedAtTwoPiTimesTheFrequency)
-{
-    frequencyUnit.selected = FREQUENCY_UNIT_HERTZ;
-    bode(2.0, {}, TRIPLE_POLE);
-    PlotRecord *plot = plotRecordOf(magnitudePlot);
-    EXPECT_STREQ(plot->xLabel, "Frequency, (Hz)");
-    EXPECT_EQ(plot->sweepStart, 0.1) << "the axis stays in Hertz";
-    EXPECT_EQ(plot->sweepStop, 100.0);
-    std::vector<double> m = magnitudes();
-    for (int k : {1, 17, 50}) {
-        double w = 2 * PI * gridPoint(k, 50, 0.1, 100.0);
-        EXPECT_NEAR(m[k - 1], 2.0 / std::pow(1 + w * w, 1.5), 1e-12 * m[k - 1]) << k;
+    const struct {
+        int unit;
+        double factor;
+        const char *label;
+    } rows[] = {{FREQUENCY_UNIT_RADIANS, 1.0, "Frequency, (Rad/sec)"}, {FREQUENCY_UNIT_HERTZ, 2 * PI, "Frequency, (Hz)"}};
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.label);
+        frequencyUnit.selected = row.unit;
+        bode(2.0, {}, TRIPLE_POLE);
+        std::vector<double> m = magnitudes(), p = phases();
+        ASSERT_EQ(m.size(), 50u);
+        ASSERT_EQ(p.size(), 50u);
+        PlotRecord *plot = plotRecordOf(magnitudePlot);
+        EXPECT_STREQ(plot->xLabel, row.label);
+        EXPECT_EQ(plot->pointCount, 50u);
+        EXPECT_EQ(plot->sweepStart, 0.1);
+        EXPECT_EQ(plot->sweepStop, 100.0);
+        for (int k = 1; k <= 50; k++) {
+            double w = row.factor * gridPoint(k, 50, 0.1, 100.0);
+            EXPECT_NEAR(m[k - 1], 2.0 / std::pow(1 + w * w, 1.5), 1e-12 * m[k - 1]) << k;
+            EXPECT_NEAR(p[k - 1], -3.0 * std::atan(w) * 180.0 / PI, 1e-9) << k;
+        }
     }
 }
 
@@ -205,24 +197,6 @@ protected:
     }
 };
 
-TEST_F(FrequencyCommands, NyquistPlotIsPreparedAndGetsItsFrequencies)
-{
-    load("servo.json");
-    ASSERT_EQ(praxaCmd(250), 1);
-    PlotRecord *plot = plotRecordOf(nyquistPlot);
-    EXPECT_EQ(plot->flagsA & PLOT_A_FIXED_SWEEP, PLOT_A_FIXED_SWEEP);
-    EXPECT_EQ(plot->flagsD & PLOT_D_NYQUIST, PLOT_D_NYQUIST);
-    EXPECT_STREQ(plot->yLabel, "");
-    EXPECT_STREQ(plot->traces[0].label, "Real");
-    EXPECT_STREQ(plot->traces[1].label, "Imaginary");
-    ASSERT_NE(plot->paramInfo, nullptr);
-    EXPECT_NE(plot->paramInfo->parameters, nullptr);
-    EXPECT_EQ(plot->paramInfo->poleCount, 0);
-    EXPECT_EQ(plot->paramInfo->zeroBranches, nullptr);
-    EXPECT_EQ(frequencyPlotCount, 0);
-    EXPECT_EQ(marginDialogCount(), 0);
-}
-
 TEST_F(FrequencyCommands, SampledNyquistGetsAtLeastAThousandPointsAndNoFrequencies)
 {
     testing_support::writeFile(dir.file("tervan.ini"), "[tervan]\nfreqStart=0.00001\nfreqSteps=20\n");
@@ -233,11 +207,8 @@ TEST_F(FrequencyCommands, SampledNyquistGetsAtLeastAThousandPointsAndNoFrequenci
     EXPECT_EQ(frequencyRange.steps, 1000);
     PlotRecord *plot = plotRecordOf(nyquistPlot);
     EXPECT_EQ(plot->pointCount, 1000u);
-    EXPECT_EQ(plot->traces[0].points.count, 1000u);
     EXPECT_EQ(plot->traces[1].points.count, 1000u);
-    EXPECT_GE(plot->traces[1].points.capacity, 1000u);
     EXPECT_EQ(plot->paramInfo, nullptr);
-    EXPECT_EQ(plot->flagsA & PLOT_A_FIXED_SWEEP, PLOT_A_FIXED_SWEEP);
 }
 
 TEST_F(FrequencyCommands, SampledBodeOfTheSpeedLoop)

@@ -1,7 +1,6 @@
 /*
 ** tests/nyquist/nyquist_command_test.cpp: the Nyquist command end to end: the servo
-** (a pole at the origin) through praxaCmd against its transfer function, and the
-** servo and the hanging pendulum through the praxa executable with their plot files.
+** (a pole at the origin) through praxaCmd against its transfer function.
 */
 #include <cmath>
 #include <complex>
@@ -11,8 +10,6 @@
 #include "tests/nyquist/nyquist_fixture.h"
 
 using testing_support::examplePath;
-using testing_support::readFile;
-using testing_support::runPraxa;
 
 namespace {
 
@@ -36,12 +33,6 @@ protected:
         ASSERT_TRUE(hostapp::loadDiagramFile(examplePath(example), error)) << error;
         ASSERT_TRUE(hostapp::applyDiagramReferencePoints(error)) << error;
         platform::clearTranscript();
-    }
-
-    testing_support::RunResult praxa(const std::string &example, const std::string &out)
-    {
-        return runPraxa("--settings " + dir.file("tervan.ini") + " --out " + dir.file(out) + " " +
-                        examplePath(example) + " nyquist");
     }
 };
 
@@ -84,31 +75,4 @@ TEST_F(NyquistCommand, ServoCurveFollowsItsTransferFunctionAroundThePoleAtTheOri
     EXPECT_NEAR(Y[499], 0.0, 0.1);
     /* Low positive frequencies: the real part tends to −20·11/100 = −2.2. */
     EXPECT_NEAR(X[751], -2.2, 0.1);
-}
-
-TEST_F(NyquistCommand, ExecutableDrawsTheServoAndThePendulum)
-{
-    testing_support::RunResult run = praxa("servo.json", "servo");
-    EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_EQ(run.out,
-              "[ JW-Poles]  Poles detected on the imaginary axis, There will be circles at infinity\n"
-              "[dialog] Nyquist\n"
-              "  static -1 \"Nyquist Infinity:\"\n"
-              "  edit 901 \"10\"\n"
-              "  default-button 1 \"&Ok\"\n"
-              "  button 9 \"Help\"\n"
-              "  > default 1\n"
-              "[end] Nyquist: 1\n"
-              "[plot] Nyquist.svg\n");
-    /* The 500 points of the detour around the origin are drawn as the closure at infinity. */
-    std::string svg = readFile(dir.file("servo/Nyquist.svg"));
-    EXPECT_NE(svg.find("class=\"trace\" data-trace=\"0\" data-points=\"500\""), std::string::npos);
-    EXPECT_NE(svg.find("class=\"infinity-closure\" data-points=\"500\""), std::string::npos);
-
-    /* The hanging pendulum has no pole on the axis: no notice, the plain 1000 points. */
-    run = praxa("pendulum_hanging.json", "pendulum");
-    EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_EQ(run.out, "[plot] Nyquist.svg\n");
-    svg = readFile(dir.file("pendulum/Nyquist.svg"));
-    EXPECT_NE(svg.find("data-points=\"1000\""), std::string::npos);
 }

@@ -1,7 +1,8 @@
 /*
 ** The draw command: the SVG picture of a diagram read back as XML: every block and port
 ** present with the ids and data attributes a program relies on, the selection and the
-** reference points marked, compound blocks framing their children.
+** reference points marked (those picked on the command line where given), compound
+** blocks framing their children.
 */
 #include <pugixml.hpp>
 
@@ -40,6 +41,7 @@ Box boxOf(const pugi::xml_node &group)
 
 struct PictureCase {
     const char *example;
+    const char *options;                /* points picked on the command line */
     std::vector<std::string> blocks;    /* every block path, sorted */
     std::vector<std::string> selected;  /* sorted */
     std::string inputPoint, outputPoint;
@@ -49,8 +51,11 @@ struct PictureCase {
 TEST(DiagramPicture, ExamplesShowEveryBlockPortWireSelectionAndPoint)
 {
     const PictureCase cases[] = {
-        {"servo", {"amp", "ctrl", "err", "motor", "ref", "scope"}, {"amp", "ctrl", "motor"}, "ctrl.in1", "motor.out1", 11, 6},
-        {"pendulum_hanging",
+        {"servo", "", {"amp", "ctrl", "err", "motor", "ref", "scope"}, {"amp", "ctrl", "motor"}, "ctrl.in1", "motor.out1", 11, 6},
+        /* the picked point is marked, not the file's own */
+        {"servo", " --output amp.out", {"amp", "ctrl", "err", "motor", "ref", "scope"}, {"amp", "ctrl", "motor"},
+         "ctrl.in1", "amp.out1", 11, 6},
+        {"pendulum_hanging", "",
          {"angle", "pendulum", "pendulum/accel", "pendulum/damping", "pendulum/gOverL", "pendulum/gravity",
           "pendulum/omega", "pendulum/theta", "torque"},
          {"pendulum", "pendulum/accel", "pendulum/damping", "pendulum/gOverL", "pendulum/gravity", "pendulum/omega",
@@ -58,10 +63,10 @@ TEST(DiagramPicture, ExamplesShowEveryBlockPortWireSelectionAndPoint)
          "pendulum.in1", "pendulum.out1", 18, 11},
     };
     for (const PictureCase &c : cases) {
-        SCOPED_TRACE(c.example);
+        SCOPED_TRACE(std::string(c.example) + c.options);
         TempDir dir;
         RunResult run = runPraxa("--settings " + dir.file("tervan.ini") + " --out " + dir.path + " " +
-                                 examplePath(std::string(c.example) + ".json") + " draw");
+                                 examplePath(std::string(c.example) + ".json") + c.options + " draw");
         ASSERT_EQ(run.status, 0) << run.err;
         EXPECT_EQ(run.out, "[draw] " + std::string(c.example) + ".svg\n");
         pugi::xml_document doc;
