@@ -164,9 +164,10 @@ bool replaceFile(const std::string &path, const std::string &text, std::string &
 
 bool saveBlock(const Block &block, const std::string &path, std::string &error)
 {
+    const char *instead = "; make the file and its folder writable, or leave out --save";
     std::ifstream in(path, std::ios::binary);
     if (!in) {
-        error = std::strerror(errno);
+        error = std::strerror(errno) + std::string(instead);
         return false;
     }
     std::stringstream read;
@@ -184,7 +185,11 @@ bool saveBlock(const Block &block, const std::string &path, std::string &error)
     fields["zeros"] = rootsJson(block.zeros);
     fields["poles"] = rootsJson(block.poles);
     text.replace(begin, end - begin, fields.dump());
-    return replaceFile(path, text, error);
+    if (!replaceFile(path, text, error)) {
+        error += instead;
+        return false;
+    }
+    return true;
 }
 
 }

@@ -61,7 +61,7 @@ bool walkJsonPlaces(const std::string &text, size_t maxDepth, const std::functio
             }
             if (!stack.empty() && stack.back().object && stack.back().expectKey) {
                 if (!stack.back().keys.insert(chars).second)
-                    return stop("'" + chars + "' is given twice in one object");
+                    return stop("'" + chars + "' is given twice in one object; keep one of them");
                 stack.back().key = chars;
                 stack.back().expectKey = false;
             } else if (!visit({valuePointer(), line, begin, i + 1})) {
@@ -69,7 +69,8 @@ bool walkJsonPlaces(const std::string &text, size_t maxDepth, const std::functio
             }
         } else if (c == '{' || c == '[') {
             if (stack.size() >= maxDepth)
-                return stop("lists and objects nest more than " + std::to_string(maxDepth) + " deep");
+                return stop("lists and objects nest more than " + std::to_string(maxDepth) +
+                            " deep; nest them less deeply");
             stack.push_back({c == '{', c == '{', 0, "", valuePointer(), {}, line, i});
         } else {
             size_t begin = i;

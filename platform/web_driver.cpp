@@ -184,7 +184,7 @@ bool readDialogAction(const nlohmann::json &input, DialogAction &action, std::st
     std::string verb = input.value("action", "");
     const auto *found = std::find_if(std::begin(verbs), std::end(verbs), [&](const auto &v) { return verb == v.name; });
     if (found == std::end(verbs)) {
-        error = "unknown dialog action '" + verb + "'";
+        error = "unknown dialog action '" + verb + "'; send one of type, click, check, uncheck, select, focus, cancel";
         return false;
     }
     action.kind = found->kind;
@@ -192,7 +192,7 @@ bool readDialogAction(const nlohmann::json &input, DialogAction &action, std::st
     action.index = input.value("index", 0);
     action.text = input.value("text", "");
     if (action.text.size() > MAX_TYPED_TEXT) {
-        error = "typed text longer than " + std::to_string(MAX_TYPED_TEXT) + " characters";
+        error = "typed text longer than " + std::to_string(MAX_TYPED_TEXT) + " characters; type a shorter text";
         return false;
     }
     return true;
