@@ -6,7 +6,6 @@
 */
 #include <algorithm>
 #include <cmath>
-#include <set>
 #include <sstream>
 #include <stdexcept>
 
@@ -16,6 +15,7 @@
 #include "hostapp/engine.h"
 #include "hostapp/host_modules.h"
 #include "hostapp/host_state.h"
+#include "hostapp/json_places.h"
 #include "hostapp/text_file.h"
 
 namespace hostapp {
@@ -44,64 +44,14 @@ private:
 
 LineIndex::LineIndex(const std::string &text)
 {
-    struct Frame {
-        bool object;
-        bool expectKey;
-        size_t index;
-        std::string key;
-        std::string pointer;
-        std::set<std::string> keys;
+    std::string problem;
+    int problemLine = 0;
+    auto note = [this](const JsonPlace &place) {
+        lines_.emplace(place.pointer, place.line);
+        return true;
     };
-    std::vector<Frame> stack;
-    int line = 1;
-    auto valuePointer = [&stack]() {
-        if (stack.empty())
-            return std::string();
-        const Frame &frame = stack.back();
-        return frame.pointer + "/" + (frame.object ? frame.key : std::to_string(frame.index));
-    };
-    for (size_t i = 0; i < text.size(); ++i) {
-        char c = text[i];
-        if (c == '\n') {
-            ++line;
-        } else if (c == ' ' || c == '\t' || c == '\r' || c == ':') {
-        } else if (c == ',') {
-            if (!stack.empty() && stack.back().object)
-                stack.back().expectKey = true;
-            else if (!stack.empty())
-                stack.back().index++;
-        } else if (c == '}' || c == ']') {
-            if (!stack.empty())
-                stack.pop_back();
-        } else if (c == '"') {
-            std::string chars;
-            for (++i; i < text.size() && text[i] != '"'; ++i) {
-                if (text[i] == '\\' && i + 1 < text.size())
-                    ++i;
-                chars += text[i];
-            }
-            if (!stack.empty() && stack.back().object && stack.back().expectKey) {
-                if (!stack.back().keys.insert(chars).second)
-                    throw DiagramError{line, "'" + chars + "' is given twice in one object; keep one of them"};
-                stack.back().key = chars;
-                stack.back().expectKey = false;
-            } else {
-                lines_.emplace(valuePointer(), line);
-            }
-        } else {
-            std::string pointer = valuePointer();
-            lines_.emplace(pointer, line);
-            if (c == '{' || c == '[') {
-                if (stack.size() >= MAX_JSON_DEPTH)
-                    throw DiagramError{line, "lists and objects nest more than " + std::to_string(MAX_JSON_DEPTH) +
-                                                 " deep; nest them less deeply"};
-                stack.push_back({c == '{', c == '{', 0, "", pointer, {}});
-            } else {
-                while (i + 1 < text.size() && !std::strchr(",}] \t\r\n", text[i + 1]))
-                    ++i;
-            }
-        }
-    }
+    if (!walkJsonPlaces(text, MAX_JSON_DEPTH, note, problem, problemLine))
+        throw DiagramError{problemLine, problem};
 }
 
 int LineIndex::lineOf(std::string pointer) const
@@ -413,10 +363,13 @@ void Loader::readParameters(Block &block, const json &fields, const std::string 
         allowed.push_back("signs");
         break;
     case BlockType::Product:
+    case BlockType::Min:
+    case BlockType::Max:
         inputs = optionalCount(fields, "inputs", 2, pointer, what);
         allowed.push_back("inputs");
         break;
     case BlockType::Saturation:
+    case BlockType::DeadZone:
         block.lower = number(fields, "lower", pointer, what);
         block.upper = number(fields, "upper", pointer, what);
         if (block.lower > block.upper)
@@ -438,21 +391,9 @@ void Loader::readParameters(Block &block, const json &fields, const std::string 
         block.exponent = number(fields, "exponent", pointer, what);
         allowed.push_back("exponent");
         break;
-    case BlockType::DeadZone:
-        block.lower = number(fields, "lower", pointer, what);
-        block.upper = number(fields, "upper", pointer, what);
-        if (block.lower > block.upper)
-            fail(pointer + "/lower", what + ": 'lower' is above 'upper'; give the dead zone as lower <= upper");
-        allowed.insert(allowed.end(), {"lower", "upper"});
-        break;
     case BlockType::Lookup:
         readLookup(block, fields, pointer);
         allowed.insert(allowed.end(), {"x", "y"});
-        break;
-    case BlockType::Min:
-    case BlockType::Max:
-        inputs = optionalCount(fields, "inputs", 2, pointer, what);
-        allowed.push_back("inputs");
         break;
     case BlockType::Switch:
         inputs = 3;

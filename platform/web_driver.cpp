@@ -52,20 +52,6 @@ Session &session()
 
 uintptr_t handleNumber(const void *handle) { return reinterpret_cast<uintptr_t>(handle); }
 
-const char *kindName(WindowKind kind)
-{
-    switch (kind) {
-    case WindowKind::Edit: return "edit";
-    case WindowKind::PushButton: return "button";
-    case WindowKind::DefaultButton: return "default-button";
-    case WindowKind::CheckBox: return "checkbox";
-    case WindowKind::RadioButton: return "radio";
-    case WindowKind::GroupBox: return "groupbox";
-    case WindowKind::ListBox: return "listbox";
-    default: return "static";
-    }
-}
-
 std::string menuText(HMENU menu, int position)
 {
     char text[256];
