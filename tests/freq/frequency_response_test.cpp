@@ -102,19 +102,25 @@ TEST_F(FrequencyResponse, NegativeEndsAreReportedBeforeZeroEnds)
     }
 }
 
-/* 2/(s+1)^3 on the default grid 0.1 ... 100, in rad/s and in Hertz (evaluated at 2 pi f,
-** the axis staying in Hertz), point by point. */
-TEST_F(FrequencyResponse, LogarithmicGridInBothUnits)
+/* K/(s+1)^3 on the default grid 0.1 ... 100, point by point: in Hertz evaluated at 2 pi f
+** (the axis staying in Hertz), a negative K half a turn further round in either phase unit. */
+TEST_F(FrequencyResponse, LogarithmicGridInBothUnitsAndTheSignOfK)
 {
     const struct {
-        int unit;
-        double factor;
+        int unit, phase;
+        double factor, K, perRadian;
         const char *label;
-    } rows[] = {{FREQUENCY_UNIT_RADIANS, 1.0, "Frequency, (Rad/sec)"}, {FREQUENCY_UNIT_HERTZ, 2 * PI, "Frequency, (Hz)"}};
+    } rows[] = {
+        {FREQUENCY_UNIT_RADIANS, PHASE_UNIT_DEGREES, 1.0, 2.0, 180.0 / PI, "Frequency, (Rad/sec)"},
+        {FREQUENCY_UNIT_HERTZ, PHASE_UNIT_DEGREES, 2 * PI, 2.0, 180.0 / PI, "Frequency, (Hz)"},
+        {FREQUENCY_UNIT_RADIANS, PHASE_UNIT_DEGREES, 1.0, -2.0, 180.0 / PI, "Frequency, (Rad/sec)"},
+        {FREQUENCY_UNIT_RADIANS, PHASE_UNIT_RADIANS, 1.0, -2.0, 1.0, "Frequency, (Rad/sec)"},
+    };
     for (const auto &row : rows) {
-        SCOPED_TRACE(row.label);
+        SCOPED_TRACE(std::string(row.label) + " K = " + std::to_string(row.K));
         frequencyUnit.selected = row.unit;
-        bode(2.0, {}, TRIPLE_POLE);
+        phaseUnit.selected = row.phase;
+        bode(row.K, {}, TRIPLE_POLE);
         std::vector<double> m = magnitudes(), p = phases();
         ASSERT_EQ(m.size(), 50u);
         ASSERT_EQ(p.size(), 50u);
@@ -126,24 +132,9 @@ TEST_F(FrequencyResponse, LogarithmicGridInBothUnits)
         for (int k = 1; k <= 50; k++) {
             double w = row.factor * gridPoint(k, 50, 0.1, 100.0);
             EXPECT_NEAR(m[k - 1], 2.0 / std::pow(1 + w * w, 1.5), 1e-12 * m[k - 1]) << k;
-            EXPECT_NEAR(p[k - 1], -3.0 * std::atan(w) * 180.0 / PI, 1e-9) << k;
+            EXPECT_NEAR(p[k - 1], (-3.0 * std::atan(w) + (row.K < 0 ? PI : 0.0)) * row.perRadian, 1e-9) << k;
         }
     }
-}
-
-TEST_F(FrequencyResponse, NegativeGainShiftsThePhaseByHalfATurn)
-{
-    bode(2.0, {{-3, 0}}, TRIPLE_POLE);
-    std::vector<double> m = magnitudes(), p = phases();
-    bode(-2.0, {{-3, 0}}, TRIPLE_POLE);
-    std::vector<double> mNegative = magnitudes(), pNegative = phases();
-    for (size_t i = 0; i < 50; i++) {
-        EXPECT_EQ(mNegative[i], m[i]);
-        EXPECT_NEAR(pNegative[i] - p[i], 180.0, 1e-9);
-    }
-    phaseUnit.selected = PHASE_UNIT_RADIANS;
-    bode(-2.0, {{-3, 0}}, TRIPLE_POLE);
-    EXPECT_NEAR(phases()[0] - p[0] * PI / 180.0, PI, 1e-12);
 }
 
 TEST_F(FrequencyResponse, SampledResponseRepeatsWithPeriodTwoPiOverT)

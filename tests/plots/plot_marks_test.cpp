@@ -64,15 +64,6 @@ std::vector<Marker> markers(const pugi::xml_document &doc, const char *cls)
     return found;
 }
 
-std::vector<std::string> texts(const pugi::xml_document &doc, const char *cls)
-{
-    std::vector<std::string> all;
-    std::string query = std::string("//*[@class='") + cls + "']";
-    for (const auto &n : doc.select_nodes(query.c_str()))
-        all.push_back(n.node().child_value());
-    return all;
-}
-
 TEST(PlotMarks, NyquistAlwaysShowsTheCriticalPointAndTheDirection)
 {
     /* Curves whose own extent leaves -1 out: the inverted pendulum (real -0.1 ... 0) and
