@@ -6,11 +6,12 @@
 #include <benchmark/benchmark.h>
 
 #include "analysis/report.h"
+#include "tests/analysis/canonical_model.h"
 
 namespace {
 
-/* K/((s+1)(s+2)...(s+n)) in controllable canonical form, K = n!/2 so that the loop has
-** gain and phase crossovers and a stable closed loop for small n. */
+/* K/((s+1)(s+2)...(s+n)), K = n!/2 so that the loop has gain and phase crossovers and a
+** stable closed loop for small n. */
 analysis::Model chainOfLags(uint32_t n)
 {
     std::vector<double> den = {1.0};        /* ascending */
@@ -24,18 +25,8 @@ analysis::Model chainOfLags(uint32_t n)
         den = next;
         factorial *= k;
     }
-    analysis::Model m;
-    m.order = n;
-    m.a.assign((size_t)n * n, 0.0);
-    for (uint32_t i = 0; i + 1 < n; i++)
-        m.a[(size_t)(i + 1) * n + i] = 1.0;
-    for (uint32_t j = 0; j < n; j++)
-        m.a[(size_t)j * n + (n - 1)] = -den[j];
-    m.b.assign(n, 0.0);
-    m.b[n - 1] = 1.0;
-    m.c.assign(n, 0.0);
-    m.c[0] = factorial / 2;
-    return m;
+    den.pop_back();                         /* the leading 1 */
+    return canonical({factorial / 2}, den);
 }
 
 void analyzeLoop(benchmark::State &state)

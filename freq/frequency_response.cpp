@@ -181,8 +181,9 @@ static void sampledNyquist(PlotRecord *plot, const Factors *f, double unitFactor
 }
 
 /* Every point of a response takes a product over the poles and zeros: a run of more
-** points × states than this (a few seconds) is refused, as a step count in the millions
-** on a model of hundreds of states would keep the host busy for minutes. */
+** points × states than this (measured: 15 s at 1000 states, 38 s at 64 states and the most
+** points) is refused, as a step count in the millions on a model of hundreds of states
+** would keep the host busy for minutes. */
 static const int64_t MOST_POINT_STATES = int64_t(1) << 28;
 
 static bool workFits(const char *analysis, int64_t points, int32_t order)

@@ -306,7 +306,7 @@ bool realizeTransferFunction(std::vector<double> num, std::vector<double> den, L
     while (num.size() > 1 && num.front() == 0.0)
         num.erase(num.begin());
     if (den.empty() || den.front() == 0.0) {
-        error = "the denominator's leading coefficient is 0";
+        error = "the denominator's leading coefficient is 0; drop the leading zeros";
         return false;
     }
     if (num.empty())
@@ -314,7 +314,8 @@ bool realizeTransferFunction(std::vector<double> num, std::vector<double> den, L
     size_t n = den.size() - 1;
     if (num.size() > den.size()) {
         error = "improper transfer function: numerator degree " + std::to_string(num.size() - 1) +
-                " exceeds denominator degree " + std::to_string(n);
+                " exceeds denominator degree " + std::to_string(n) +
+                "; make the denominator's degree at least the numerator's";
         return false;
     }
     /* Controllable canonical form (as MATLAB's tf2ss): the first state row holds the
@@ -342,7 +343,7 @@ bool realizeTransferFunction(std::vector<double> num, std::vector<double> den, L
     auto finite = [](double x) { return std::isfinite(x); };
     if (!std::all_of(a.begin(), a.end(), finite) || !std::all_of(b.begin(), b.end(), finite) ||
         !std::all_of(sys.c.begin(), sys.c.end(), finite)) {
-        error = "the coefficients overflow when divided by the denominator's leading one";
+        error = "the coefficients overflow when divided by the denominator's leading one; scale the numerator and denominator";
         return false;
     }
     return true;

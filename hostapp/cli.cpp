@@ -138,7 +138,7 @@ bool isFile(const std::string &path)
 bool prepareOutputFolder(const std::string &path, std::string &error)
 {
     if (mkdir(path.c_str(), 0755) != 0 && errno != EEXIST) {
-        error = "cannot create output folder " + path + ": " + std::strerror(errno);
+        error = "cannot create output folder " + path + ": " + std::strerror(errno) + "; give another folder with --out";
         return false;
     }
     struct stat info;
@@ -146,7 +146,7 @@ bool prepareOutputFolder(const std::string &path, std::string &error)
                  : !S_ISDIR(info.st_mode)        ? ENOTDIR
                  : access(path.c_str(), W_OK | X_OK) != 0 ? errno : 0;
     if (reason) {
-        error = "cannot write into output folder " + path + ": " + std::strerror(reason);
+        error = "cannot write into output folder " + path + ": " + std::strerror(reason) + "; give another folder with --out";
         return false;
     }
     return true;
@@ -535,7 +535,7 @@ int runCommandLine(int argc, char **argv)
     if (platform::refusedDialogCount() > 0)
         worst = std::max(worst, (int)EXIT_REFUSED);
     if (compensatorSaveFailures > 0) {
-        std::fprintf(stderr, "praxa: the compensator design could not be saved in %s (see the transcript)\n",
+        std::fprintf(stderr, "praxa: the compensator design could not be saved in %s; the transcript says why and what to do\n",
                      session.diagramPath.c_str());
         worst = std::max(worst, (int)EXIT_REFUSED);
     }

@@ -14,6 +14,7 @@
 #include <cerrno>
 #include <cmath>
 #include <complex>
+#include <cstdint>
 #include <cstring>
 #include <fstream>
 #include <optional>
@@ -23,6 +24,7 @@
 #include <nlohmann/json.hpp>
 
 #include "hostapp/engine.h"
+#include "hostapp/json_places.h"
 #include "platform/driver.h"
 
 namespace hostapp {
@@ -99,53 +101,22 @@ Block *findCompensatorBlock()
     return found;
 }
 
-/* The byte range of the value at a JSON pointer ("/blocks/2") in a text that parses:
-** the same walk as the loader's line index, with offsets instead of lines. */
+/* The byte range of the value at a JSON pointer ("/blocks/2") in a text that parses. */
 bool valueSpan(const std::string &text, const std::string &target, size_t &begin, size_t &end)
 {
-    struct Frame {
-        bool object, expectKey;
-        size_t index;
-        std::string key, pointer;
-        size_t begin;
+    bool found = false;
+    auto match = [&](const JsonPlace &place) {
+        if (place.pointer != target)
+            return true;
+        begin = place.begin;
+        end = place.end;
+        found = true;
+        return false;
     };
-    std::vector<Frame> stack;
-    auto valuePointer = [&stack]() {
-        const Frame &frame = stack.back();
-        return frame.pointer + "/" + (frame.object ? frame.key : std::to_string(frame.index));
-    };
-    for (size_t i = 0; i < text.size(); ++i) {
-        char c = text[i];
-        if (c == ',') {
-            if (!stack.empty() && stack.back().object)
-                stack.back().expectKey = true;
-            else if (!stack.empty())
-                stack.back().index++;
-        } else if (c == '}' || c == ']') {
-            if (!stack.empty() && stack.back().pointer == target) {
-                begin = stack.back().begin;
-                end = i + 1;
-                return true;
-            }
-            if (!stack.empty())
-                stack.pop_back();
-        } else if (c == '"') {
-            std::string chars;
-            for (++i; i < text.size() && text[i] != '"'; ++i) {
-                if (text[i] == '\\' && i + 1 < text.size())
-                    ++i;
-                chars += text[i];
-            }
-            if (!stack.empty() && stack.back().object && stack.back().expectKey) {
-                stack.back().key = chars;
-                stack.back().expectKey = false;
-            }
-        } else if (c == '{' || c == '[') {
-            std::string pointer = stack.empty() ? std::string() : valuePointer();
-            stack.push_back({c == '{', c == '{', 0, "", pointer, i});
-        }
-    }
-    return false;
+    std::string problem;
+    int problemLine = 0;
+    walkJsonPlaces(text, SIZE_MAX, match, problem, problemLine);
+    return found;
 }
 
 nlohmann::ordered_json rootsJson(const Roots &roots)
@@ -193,9 +164,10 @@ bool replaceFile(const std::string &path, const std::string &text, std::string &
 
 bool saveBlock(const Block &block, const std::string &path, std::string &error)
 {
+    const char *instead = "; make the file and its folder writable, or leave out --save";
     std::ifstream in(path, std::ios::binary);
     if (!in) {
-        error = std::strerror(errno);
+        error = std::strerror(errno) + std::string(instead);
         return false;
     }
     std::stringstream read;
@@ -213,7 +185,11 @@ bool saveBlock(const Block &block, const std::string &path, std::string &error)
     fields["zeros"] = rootsJson(block.zeros);
     fields["poles"] = rootsJson(block.poles);
     text.replace(begin, end - begin, fields.dump());
-    return replaceFile(path, text, error);
+    if (!replaceFile(path, text, error)) {
+        error += instead;
+        return false;
+    }
+    return true;
 }
 
 }

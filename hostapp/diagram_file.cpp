@@ -6,7 +6,6 @@
 */
 #include <algorithm>
 #include <cmath>
-#include <set>
 #include <sstream>
 #include <stdexcept>
 
@@ -16,6 +15,7 @@
 #include "hostapp/engine.h"
 #include "hostapp/host_modules.h"
 #include "hostapp/host_state.h"
+#include "hostapp/json_places.h"
 #include "hostapp/text_file.h"
 
 namespace hostapp {
@@ -44,64 +44,14 @@ private:
 
 LineIndex::LineIndex(const std::string &text)
 {
-    struct Frame {
-        bool object;
-        bool expectKey;
-        size_t index;
-        std::string key;
-        std::string pointer;
-        std::set<std::string> keys;
+    std::string problem;
+    int problemLine = 0;
+    auto note = [this](const JsonPlace &place) {
+        lines_.emplace(place.pointer, place.line);
+        return true;
     };
-    std::vector<Frame> stack;
-    int line = 1;
-    auto valuePointer = [&stack]() {
-        if (stack.empty())
-            return std::string();
-        const Frame &frame = stack.back();
-        return frame.pointer + "/" + (frame.object ? frame.key : std::to_string(frame.index));
-    };
-    for (size_t i = 0; i < text.size(); ++i) {
-        char c = text[i];
-        if (c == '\n') {
-            ++line;
-        } else if (c == ' ' || c == '\t' || c == '\r' || c == ':') {
-        } else if (c == ',') {
-            if (!stack.empty() && stack.back().object)
-                stack.back().expectKey = true;
-            else if (!stack.empty())
-                stack.back().index++;
-        } else if (c == '}' || c == ']') {
-            if (!stack.empty())
-                stack.pop_back();
-        } else if (c == '"') {
-            std::string chars;
-            for (++i; i < text.size() && text[i] != '"'; ++i) {
-                if (text[i] == '\\' && i + 1 < text.size())
-                    ++i;
-                chars += text[i];
-            }
-            if (!stack.empty() && stack.back().object && stack.back().expectKey) {
-                if (!stack.back().keys.insert(chars).second)
-                    throw DiagramError{line, "'" + chars + "' is given twice in one object"};
-                stack.back().key = chars;
-                stack.back().expectKey = false;
-            } else {
-                lines_.emplace(valuePointer(), line);
-            }
-        } else {
-            std::string pointer = valuePointer();
-            lines_.emplace(pointer, line);
-            if (c == '{' || c == '[') {
-                if (stack.size() >= MAX_JSON_DEPTH)
-                    throw DiagramError{line, "lists and objects nest more than " + std::to_string(MAX_JSON_DEPTH) +
-                                                 " deep"};
-                stack.push_back({c == '{', c == '{', 0, "", pointer, {}});
-            } else {
-                while (i + 1 < text.size() && !std::strchr(",}] \t\r\n", text[i + 1]))
-                    ++i;
-            }
-        }
-    }
+    if (!walkJsonPlaces(text, MAX_JSON_DEPTH, note, problem, problemLine))
+        throw DiagramError{problemLine, problem};
 }
 
 int LineIndex::lineOf(std::string pointer) const
@@ -191,7 +141,7 @@ private:
     {
         if (states > (size_t)MAX_BLOCK_STATES)
             fail(pointer, what + ": " + std::to_string(states) + " states are more than the " +
-                              std::to_string(MAX_BLOCK_STATES) + " a block may hold");
+                              std::to_string(MAX_BLOCK_STATES) + " a block may hold; split the model into smaller blocks");
     }
     int optionalCount(const json &fields, const char *key, int otherwise, const std::string &pointer,
                       const std::string &what) const;
@@ -218,10 +168,10 @@ private:
 double Loader::number(const json &fields, const char *key, const std::string &pointer, const std::string &what) const
 {
     if (!fields.contains(key))
-        fail(pointer, what + ": missing parameter '" + key + "'");
+        fail(pointer, what + ": missing parameter '" + key + "'; add it as \"" + key + "\": NUMBER");
     const json &value = fields[key];
     if (!value.is_number())
-        fail(pointer + "/" + key, what + ": parameter '" + key + "' must be a number");
+        fail(pointer + "/" + key, what + ": parameter '" + key + "' must be a number; write one number, such as 2.5");
     return value.get<double>();
 }
 
@@ -237,10 +187,10 @@ std::vector<double> Loader::numbers(const json &value, const std::string &pointe
     if (value.is_number())
         return {value.get<double>()};
     if (!value.is_array())
-        fail(pointer, what + " must be a list of numbers");
+        fail(pointer, what + " must be a list of numbers, such as [1, 2]");
     for (const json &item : value) {
         if (!item.is_number())
-            fail(pointer, what + " must be a list of numbers");
+            fail(pointer, what + " must be a list of numbers, such as [1, 2]");
         list.push_back(item.get<double>());
     }
     return list;
@@ -259,23 +209,26 @@ int Loader::optionalCount(const json &fields, const char *key, int otherwise, co
 void Loader::load(const json &root)
 {
     if (!root.is_object())
-        fail("", "a diagram file holds one JSON object with \"blocks\" and \"wires\"");
+        fail("", "the file is not one JSON object; write the diagram as one object with \"blocks\" and \"wires\" "
+                 "(see examples/README.md)");
     static const char *const known[] = {"blocks", "wires", "selection", "input", "output", "perturbation",
                                         "samplePeriod", "initialStates", "title", "comment"};
     for (const auto &entry : root.items())
         if (std::find_if(std::begin(known), std::end(known), [&](const char *k) { return entry.key() == k; }) ==
             std::end(known))
-            fail("/" + entry.key(), "unknown entry '" + entry.key() + "'");
+            fail("/" + entry.key(), "unknown entry '" + entry.key() + "'; remove it or correct its name (the entries "
+                                   "are blocks, wires, selection, input, output, samplePeriod, perturbation, "
+                                   "initialStates, title and comment)");
 
     defaultSamplePeriod_ = optionalNumber(root, "samplePeriod", 0.0, "", "the diagram");
     if (defaultSamplePeriod_ < 0)
-        fail("/samplePeriod", "the diagram: 'samplePeriod' must not be negative");
+        fail("/samplePeriod", "the diagram: 'samplePeriod' must not be negative; give 0 or a period in seconds");
     diagram_.perturbation = optionalNumber(root, "perturbation", 0.05, "", "the diagram");
     if (!(diagram_.perturbation > 0))
-        fail("/perturbation", "the diagram: 'perturbation' must be positive");
+        fail("/perturbation", "the diagram: 'perturbation' must be positive; give a step such as 0.05");
 
     if (!root.contains("blocks"))
-        fail("", "the diagram has no \"blocks\"");
+        fail("", "the diagram has no \"blocks\"; add the list of its blocks as \"blocks\"");
     readBlocks(root["blocks"], "/blocks", nullptr, diagram_.blocks);
     readWires(root, "", nullptr, diagram_.blocks);
     resolveSignals();
@@ -283,12 +236,13 @@ void Loader::load(const json &root)
     if (root.contains("initialStates")) {
         const json &states = root["initialStates"];
         if (!states.is_object())
-            fail("/initialStates", "'initialStates' must map block names to states");
+            fail("/initialStates", "'initialStates' must map block names to states, such as {\"x\": 1}");
         for (const auto &entry : states.items()) {
             std::string pointer = "/initialStates/" + entry.key();
             Block *block = findBlockByPath(diagram_, entry.key());
             if (!block)
-                fail(pointer, "initialStates: no block '" + entry.key() + "'");
+                fail(pointer, "initialStates: no block '" + entry.key() +
+                                  "'; name a block by its path, such as \"outer/inner\"");
             setInitial(*block, entry.value(), pointer);
         }
     }
@@ -333,9 +287,9 @@ void Loader::readBlocks(const json &list, const std::string &pointer, Block *par
     for (Block *outer = parent; outer; outer = outer->parent)
         ++depth;
     if (depth > MAX_NESTING)
-        fail(pointer, "compound blocks nest more than " + std::to_string(MAX_NESTING) + " deep" + where);
+        fail(pointer, "compound blocks nest more than " + std::to_string(MAX_NESTING) + " deep" + where + "; nest them less deeply");
     if (!list.is_array())
-        fail(pointer, "\"blocks\"" + where + " must be a list of blocks");
+        fail(pointer, "\"blocks\"" + where + " must be a list of blocks, such as [{\"id\": \"k\", \"type\": \"gain\", \"gain\": 2}]");
     for (size_t i = 0; i < list.size(); ++i) {
         const json &fields = list[i];
         std::string at = pointer + "/" + std::to_string(i);
@@ -343,13 +297,13 @@ void Loader::readBlocks(const json &list, const std::string &pointer, Block *par
         if (!fields.is_object())
             fail(at, ordinal + " must be an object with \"id\" and \"type\"");
         if (!fields.contains("id") || !fields["id"].is_string())
-            fail(at, ordinal + ": missing parameter 'id' (a text)");
+            fail(at, ordinal + " has no \"id\"; give each block an \"id\" text");
         std::string id = fields["id"].get<std::string>();
         if (id.empty() || id.find_first_of("./") != std::string::npos)
-            fail(at + "/id", ordinal + ": the id '" + id + "' must be a nonempty name without '.' or '/'");
+            fail(at + "/id", ordinal + ": the id '" + id + "' must be a nonempty name without '.' or '/'; rename the block");
         /* Not echoed: a NUL would cut the message short. */
         if (std::any_of(id.begin(), id.end(), [](char c) { return (unsigned char)c < 0x20 || c == 0x7F; }))
-            fail(at + "/id", ordinal + ": the id holds a control character");
+            fail(at + "/id", ordinal + ": the id holds a control character; rename the block with printable characters");
         auto block = std::make_unique<Block>();
         block->id = id;
         block->path = parent ? parent->path + "/" + id : id;
@@ -357,16 +311,17 @@ void Loader::readBlocks(const json &list, const std::string &pointer, Block *par
         block->line = lines_.lineOf(at);
         block->pointer = at;
         if (!scopeIds_[&blocks].emplace(id, block.get()).second)
-            fail(at + "/id", "block '" + block->path + "': the id is used twice");
+            fail(at + "/id", "block '" + block->path + "': the id is used twice; give each block of one level its own id");
         if (++diagramBlocks_ > MAX_DIAGRAM_BLOCKS)
             fail(at, "block '" + block->path + "': the diagram holds more than the " +
-                         std::to_string(MAX_DIAGRAM_BLOCKS) + " blocks it may hold");
+                         std::to_string(MAX_DIAGRAM_BLOCKS) + " blocks it may hold; use fewer blocks");
         if (!fields.contains("type") || !fields["type"].is_string())
-            fail(at, "block '" + block->path + "': missing parameter 'type' (a text)");
+            fail(at, "block '" + block->path + "' has no \"type\"; give each block a \"type\" (see examples/README.md "
+                     "for the block types)");
         std::string type = fields["type"].get<std::string>();
         if (!blockTypeFromName(type, block->type))
             fail(at + "/type", "block '" + block->path + "': unknown block type '" + type +
-                                   "' (examples/README.md lists the block types)");
+                                   "'; use one of the block types listed in examples/README.md");
         readParameters(*block, fields, at);
         blocks.push_back(std::move(block));
     }
@@ -398,24 +353,27 @@ void Loader::readParameters(Block &block, const json &fields, const std::string 
         block.signs = "++";
         if (fields.contains("signs")) {
             if (!fields["signs"].is_string())
-                fail(pointer + "/signs", what + ": parameter 'signs' must be a text of '+' and '-'");
+                fail(pointer + "/signs", what + ": parameter 'signs' must be a text of '+' and '-', such as \"+-\"");
             block.signs = fields["signs"].get<std::string>();
         }
         if (block.signs.empty() || block.signs.size() > (size_t)MAX_PORTS ||
             block.signs.find_first_not_of("+-") != std::string::npos)
-            fail(pointer + "/signs", what + ": parameter 'signs' must be a text of '+' and '-' (one per input)");
+            fail(pointer + "/signs", what + ": parameter 'signs' must be a text of '+' and '-', one per input, such as \"+-\"");
         inputs = (int)block.signs.size();
         allowed.push_back("signs");
         break;
     case BlockType::Product:
+    case BlockType::Min:
+    case BlockType::Max:
         inputs = optionalCount(fields, "inputs", 2, pointer, what);
         allowed.push_back("inputs");
         break;
     case BlockType::Saturation:
+    case BlockType::DeadZone:
         block.lower = number(fields, "lower", pointer, what);
         block.upper = number(fields, "upper", pointer, what);
         if (block.lower > block.upper)
-            fail(pointer + "/lower", what + ": 'lower' is above 'upper'");
+            fail(pointer + "/lower", what + ": 'lower' is above 'upper'; give the limits as lower <= upper");
         allowed.insert(allowed.end(), {"lower", "upper"});
         break;
     case BlockType::Sin:
@@ -433,21 +391,9 @@ void Loader::readParameters(Block &block, const json &fields, const std::string 
         block.exponent = number(fields, "exponent", pointer, what);
         allowed.push_back("exponent");
         break;
-    case BlockType::DeadZone:
-        block.lower = number(fields, "lower", pointer, what);
-        block.upper = number(fields, "upper", pointer, what);
-        if (block.lower > block.upper)
-            fail(pointer + "/lower", what + ": 'lower' is above 'upper'; give the dead zone as lower <= upper");
-        allowed.insert(allowed.end(), {"lower", "upper"});
-        break;
     case BlockType::Lookup:
         readLookup(block, fields, pointer);
         allowed.insert(allowed.end(), {"x", "y"});
-        break;
-    case BlockType::Min:
-    case BlockType::Max:
-        inputs = optionalCount(fields, "inputs", 2, pointer, what);
-        allowed.push_back("inputs");
         break;
     case BlockType::Switch:
         inputs = 3;
@@ -469,7 +415,8 @@ void Loader::readParameters(Block &block, const json &fields, const std::string 
     case BlockType::DiscreteTransferFunction: {
         for (const char *key : {"num", "den"})
             if (!fields.contains(key))
-                fail(pointer, what + ": missing parameter '" + key + "'");
+                fail(pointer, what + ": missing parameter '" + key + "'; give \"num\" and \"den\", the coefficients "
+                                     "in descending powers");
         std::vector<double> num = numbers(fields["num"], pointer + "/num", what + ": parameter 'num'");
         std::vector<double> den = numbers(fields["den"], pointer + "/den", what + ": parameter 'den'");
         checkOrder(den.empty() ? 0 : den.size() - 1, pointer + "/den", what);
@@ -497,7 +444,7 @@ void Loader::readParameters(Block &block, const json &fields, const std::string 
         inputs = optionalCount(fields, "inputs", 1, pointer, what);
         outputs = 0;
         if (fields.contains("title") && !fields["title"].is_string())
-            fail(pointer + "/title", what + ": parameter 'title' must be a text");
+            fail(pointer + "/title", what + ": parameter 'title' must be a text; put it in quotes");
         allowed.insert(allowed.end(), {"inputs", "title"});
         break;
     }
@@ -507,7 +454,7 @@ void Loader::readParameters(Block &block, const json &fields, const std::string 
     if (diagramStates_ > MAX_DIAGRAM_STATES)
         fail(pointer, what + ": the diagram's states come to " + std::to_string(diagramStates_) +
                           " with this block, more than the " + std::to_string(MAX_DIAGRAM_STATES) +
-                          " a diagram may hold");
+                          " a diagram may hold; use a smaller model");
     block.state.assign(stateCount, 0.0);
     block.next.assign(stateCount, 0.0);
     if (isContinuousStateType(block.type) || isDiscreteType(block.type)) {
@@ -535,14 +482,16 @@ void Loader::readParameters(Block &block, const json &fields, const std::string 
                                       [&](const auto &type) { return name.is_string() && name == type.first; });
             if (found == std::end(dataTypes))
                 fail(pointer + "/dataType", what + ": unknown dataType " + name.dump() +
-                                                " (double, int8 ... uint64, boolean or matrix)");
+                                                "; use one of double, int8 ... uint64, boolean or matrix");
             block.dataType = found->second;
         }
     }
     for (const auto &entry : fields.items())
         if (std::find(allowed.begin(), allowed.end(), entry.key()) == allowed.end())
             fail(pointer + "/" + entry.key(), what + ": a " + blockTypeName(block.type) +
-                                                  " block has no parameter '" + entry.key() + "'");
+                                                  " block has no parameter '" + entry.key() +
+                                                  "'; remove it or correct its name (examples/README.md lists "
+                                                  "each type's parameters)");
 
     block.record.kind = blockKindCode(block.type);
     block.record.orderKeys = block.orderKeys.data();
@@ -581,10 +530,11 @@ void Loader::readStateSpace(Block &block, const json &fields, const std::string 
     std::string what = "block '" + block.path + "'";
     for (const char *key : {"a", "b", "c"})
         if (!fields.contains(key))
-            fail(pointer, what + ": missing parameter '" + key + "'");
+            fail(pointer, what + ": missing parameter '" + key + "'; give \"a\", \"b\" and \"c\" (and \"d\", "
+                                 "0 when left out)");
     const json &a = fields["a"];
     if (!a.is_array())
-        fail(pointer + "/a", what + ": parameter 'a' must be a list of rows");
+        fail(pointer + "/a", what + ": parameter 'a' must be a list of rows, such as [[0, 1], [-2, -3]]");
     checkOrder(a.size(), pointer + "/a", what);
     LinearSystem &sys = block.linear;
     sys.n = (int)a.size();
@@ -633,7 +583,7 @@ int Loader::readExpression(Block &block, const json &fields, const std::string &
             fail(pointer + "/parameters", what + ": 'parameters' must map names to numbers, such as {\"k\": 2.5}");
         for (const auto &entry : list.items()) {
             if (!entry.value().is_number())
-                fail(pointer + "/parameters/" + entry.key(), what + ": parameter '" + entry.key() + "' must be a number");
+                fail(pointer + "/parameters/" + entry.key(), what + ": parameter '" + entry.key() + "' must be a number; write one number, such as 2.5");
             parameters.emplace_back(entry.key(), entry.value().get<double>());
         }
     }
@@ -684,10 +634,10 @@ void Loader::readCompound(Block &block, const json &fields, const std::string &p
 {
     std::string what = "compound block '" + block.path + "'";
     if (!fields.contains("blocks"))
-        fail(pointer, what + ": missing parameter 'blocks'");
+        fail(pointer, what + ": missing parameter 'blocks'; give the blocks inside it as \"blocks\"");
     readBlocks(fields["blocks"], pointer + "/blocks", &block, block.children);
     if (block.children.empty())
-        fail(pointer + "/blocks", what + " holds no blocks");
+        fail(pointer + "/blocks", what + " holds no blocks; put at least one block into it");
 
     for (bool isInput : {true, false}) {
         const char *key = isInput ? "inputs" : "outputs";
@@ -695,7 +645,7 @@ void Loader::readCompound(Block &block, const json &fields, const std::string &p
             continue;
         const json &list = fields[key];
         if (!list.is_array() || list.size() > (size_t)MAX_PORTS)
-            fail(pointer + "/" + key, what + ": '" + key + "' must be a list of inner ports");
+            fail(pointer + "/" + key, what + ": '" + key + "' must be a list of inner ports, such as [\"inner.in\"]");
         for (size_t k = 0; k < list.size(); ++k) {
             std::string at = pointer + "/" + key + "/" + std::to_string(k);
             auto port = std::make_unique<Point>();
@@ -721,10 +671,10 @@ void Loader::readCompound(Block &block, const json &fields, const std::string &p
                     fail(at, what + ": " + key + " " + std::to_string(k + 1) + ": " + error);
                 if (inner->isInput != isInput)
                     fail(at, what + ": " + key + " " + std::to_string(k + 1) + ": '" + name + "' is an " +
-                                 (isInput ? "output" : "input"));
+                                 (isInput ? "output; name an inner input port" : "input; name an inner output port"));
                 if (isInput) {
                     if (inner->fedBy)
-                        fail(at, what + ": input '" + inner->name() + "' is fed twice");
+                        fail(at, what + ": input '" + inner->name() + "' is fed twice; name each inner input in one entry only");
                     inner->fedBy = port.get();
                 }
                 if (!port->connectsTo)
@@ -750,6 +700,7 @@ Point *Loader::scopePoint(std::vector<std::unique_ptr<Block>> &scope, const std:
     error = "no block '" + id + "'";
     if (!scope.empty() && scope.front()->parent)
         error += " in '" + scope.front()->parent->path + "'";
+    error += "; name a block of the same level by its id";
     return nullptr;
 }
 
@@ -781,7 +732,7 @@ void Loader::readWires(const json &fields, const std::string &pointer, Block *ow
         if (!target->isInput)
             fail(at, what + ": '" + to + "' is an output; a wire ends at an input");
         if (target->wiredFrom || target->fedBy)
-            fail(at, what + ": input '" + target->name() + "' already has a wire");
+            fail(at, what + ": input '" + target->name() + "' already has a wire; each input takes one wire (join signals with a sum block)");
         target->wiredFrom = source;
     }
 }
@@ -790,7 +741,7 @@ void Loader::setInitial(Block &block, const json &value, const std::string &poin
 {
     std::string what = "block '" + block.path + "'";
     if (block.state.empty())
-        fail(pointer, what + " has no state to set");
+        fail(pointer, what + " has no state to set; leave out its initial state");
     std::vector<double> states = numbers(value, pointer, what + ": the initial state");
     if (states.size() != block.state.size())
         fail(pointer, what + ": the initial state must hold " + std::to_string(block.state.size()) + " number(s)");
@@ -808,7 +759,7 @@ void Loader::resolveSignals()
                 Point *outermost = point.get();
                 while (outermost->fedBy)
                     outermost = outermost->fedBy;
-                throw DiagramError{outermost->block->line, "input '" + outermost->name() + "' is not connected"};
+                throw DiagramError{outermost->block->line, "input '" + outermost->name() + "' is not connected; wire a signal to it (a constant 0 if it is not used)"};
             }
             if (point->signal && block.isLeaf()) {
                 /* A block's inputs come one after another, so a block reading a signal
@@ -849,7 +800,7 @@ Point *Loader::readReference(const json &root, const char *key)
         return nullptr;
     std::string at = std::string("/") + key;
     if (!root[key].is_string())
-        fail(at, std::string(key) + ": must be a point BLOCK.PORT");
+        fail(at, std::string(key) + ": must be a point BLOCK.PORT, such as \"ctrl.in\"");
     std::string error;
     Point *point = findPoint(diagram_, root[key].get<std::string>(), error);
     if (!point)
@@ -892,7 +843,7 @@ bool loadDiagramText(const std::string &text, const std::string &name, std::stri
         if (number.size() > 24)
             number = number.substr(0, 20) + "...";
         error = name + (at == std::string::npos ? "" : ":" + std::to_string(lineOfByte(text, at))) +
-                ": the number " + number + " is beyond the range of a double";
+                ": the number " + number + " is beyond the range of a double; give a smaller number";
         return false;
     } catch (const json::exception &e) {
         error = name + ": not valid JSON: " + e.what();

@@ -21,6 +21,8 @@ namespace {
 
 /* dot takes minutes on diagrams of thousands of blocks, and nobody reads such a picture. */
 constexpr size_t MAX_PICTURE_BLOCKS = 2000;
+const char *const LAYOUT_FAILED = "Graphviz could not lay out the diagram; check that Graphviz's dot layout "
+                                  "plug-in is installed (Debian package libgvc6)";
 constexpr double PORT_WIDTH = 10;
 constexpr double CHARACTER_WIDTH = 7.2;     /* a 12-unit sans-serif letter, generously */
 constexpr double LINE_HEIGHT = 15;
@@ -270,7 +272,7 @@ bool layOutDiagram(const Diagram &diagram, DiagramLayout &layout, std::string &e
     forEachBlock(diagram.blocks, [&](const Block &) { ++blocks; });
     if (blocks > MAX_PICTURE_BLOCKS) {
         error = "the diagram holds " + std::to_string(blocks) + " blocks; a picture is drawn of at most " +
-                std::to_string(MAX_PICTURE_BLOCKS);
+                std::to_string(MAX_PICTURE_BLOCKS) + "; draw a smaller diagram";
         return false;
     }
     DotWriter dot;
@@ -285,7 +287,7 @@ bool layOutDiagram(const Diagram &diagram, DiagramLayout &layout, std::string &e
     GraphvizSession gv;
     gv.graph = agmemread(dot.text.c_str());
     if (!gv.context || !gv.graph || gvLayout(gv.context, gv.graph, "dot") != 0) {
-        error = "Graphviz could not lay out the diagram";
+        error = LAYOUT_FAILED;
         return false;
     }
     gv.laidOut = true;
@@ -293,7 +295,7 @@ bool layOutDiagram(const Diagram &diagram, DiagramLayout &layout, std::string &e
     unsigned int length = 0;
     /* Rendering as DOT stores the positions as attributes, which is how they are read. */
     if (gvRenderData(gv.context, gv.graph, "dot", &rendered, &length) != 0) {
-        error = "Graphviz could not lay out the diagram";
+        error = LAYOUT_FAILED;
         return false;
     }
     gvFreeRenderData(rendered);
@@ -301,7 +303,7 @@ bool layOutDiagram(const Diagram &diagram, DiagramLayout &layout, std::string &e
     constexpr double MARGIN = 12;
     std::vector<double> box = numbersIn(agget(gv.graph, (char *)"bb"));
     if (box.size() != 4) {
-        error = "Graphviz could not lay out the diagram";
+        error = LAYOUT_FAILED;
         return false;
     }
     double top = box[3];

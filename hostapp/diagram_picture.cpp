@@ -266,7 +266,7 @@ std::string diagramPictureSvg(std::string &error)
 {
     Diagram *diagram = currentDiagram();
     if (!diagram) {
-        error = "no diagram is loaded to draw";
+        error = "no diagram is loaded to draw; give a diagram file before the draw command";
         return "";
     }
     DiagramLayout layout;
@@ -283,7 +283,7 @@ bool writeDiagramPicture(const std::string &fileName, std::string &error)
     std::string name = fileName.empty() ? defaultPictureName(currentDiagram()->name) : fileName;
     std::string path = outputPath(name);
     if (!writeSvgFile(path, svg, &error)) {
-        error = "cannot write " + path + ": " + error;
+        error = "cannot write " + path + ": " + error + "; give another folder with --out or another name with --file";
         return false;
     }
     platform::transcriptNote("[draw] " + name);

@@ -187,7 +187,10 @@ Point *portOf(Block &block, const std::string &port, bool defaultIsInput, std::s
     }
     const auto &ports = isInput ? block.inputs : block.outputs;
     if ((size_t)index > ports.size()) {
-        error = "block '" + block.path + "' has no " + (isInput ? "input " : "output ") + std::to_string(index);
+        error = "block '" + block.path + "' has no " + (isInput ? "input " : "output ") + std::to_string(index) +
+                (ports.empty()       ? "; it has none"
+                 : ports.size() == 1 ? "; it has only " + std::string(isInput ? "input" : "output") + " 1"
+                                     : "; pick one from 1 to " + std::to_string(ports.size()));
         return nullptr;
     }
     return ports[(size_t)index - 1].get();
@@ -199,7 +202,7 @@ Point *findPoint(Diagram &diagram, const std::string &blockDotPort, std::string 
     std::string path = blockDotPort.substr(0, dot);
     Block *block = findBlockByPath(diagram, path);
     if (!block) {
-        error = "no block '" + path + "'";
+        error = "no block '" + path + "'; name a block by its id, or its path such as outer/inner";
         return nullptr;
     }
     return portOf(*block, dot == std::string::npos ? "" : blockDotPort.substr(dot + 1), false, error);
@@ -217,11 +220,11 @@ bool setSelection(Diagram &diagram, const std::vector<std::string> &ids, std::st
         const std::string &id = ids[failed];
         auto found = byId.find(id);
         if (found == byId.end()) {
-            error = "selection: no block '" + id + "' at the top level of the diagram";
+            error = "selection: no block '" + id + "' at the top level of the diagram; list the ids of top-level blocks";
             return false;
         }
         if (!named.insert(found->second).second) {
-            error = "selection: block '" + id + "' is named twice";
+            error = "selection: block '" + id + "' is named twice; list each block once";
             return false;
         }
         selection.push_back(found->second);
@@ -237,7 +240,7 @@ bool selectBlocks(const std::vector<std::string> &ids, std::string &error)
 {
     Diagram *diagram = currentDiagram();
     if (!diagram) {
-        error = "no diagram is loaded to select blocks in";
+        error = "no diagram is loaded to select blocks in; give a diagram file";
         return false;
     }
     size_t failed = 0;
@@ -258,14 +261,14 @@ bool clickReferencePoint(const std::string &blockDotPort, std::string &error)
 {
     Diagram *diagram = currentDiagram();
     if (!diagram) {
-        error = "no diagram is loaded to pick '" + blockDotPort + "' in";
+        error = "no diagram is loaded to pick '" + blockDotPort + "' in; give a diagram file";
         return false;
     }
     Point *point = findPoint(*diagram, blockDotPort, error);
     if (!point)
         return false;
     if (!host().plugin.selectRefPoint) {
-        error = "the plug-in takes no reference points";
+        error = "the plug-in takes no reference points; give the Praxa plug-in with --plugin";
         return false;
     }
     host().plugin.selectRefPoint(&point->record);

@@ -64,7 +64,7 @@ std::shared_ptr<CompiledExpression> compileExpression(const std::string &text, i
         compiled->parser.SetExpr(text);
         compiled->parser.Eval();    /* surfaces unknown names and syntax errors now */
     } catch (const mu::Parser::exception_type &e) {
-        error = "the expression '" + text + "' does not parse: " + e.GetMsg() + " (" + known + ")";
+        error = "the expression '" + text + "' does not parse: " + e.GetMsg() + " (" + known + "); correct the formula";
         return nullptr;
     }
     return compiled;

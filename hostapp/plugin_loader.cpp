@@ -30,7 +30,7 @@ static bool findEntry(void *library, const char *name, Function &entry, std::str
 {
     entry = reinterpret_cast<Function>(dlsym(library, name));
     if (!entry)
-        error = std::string("the plug-in does not export ") + name;
+        error = std::string("the plug-in does not export ") + name + "; give the Praxa plug-in library with --plugin";
     return entry != nullptr;
 }
 
@@ -40,7 +40,7 @@ bool loadPlugin(const std::string &path, PluginEntries &entries, std::string &er
     void *library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!library) {
         const char *reason = dlerror();
-        error = "cannot load plug-in " + path + ": " + (reason ? reason : "unknown error");
+        error = "cannot load plug-in " + path + ": " + (reason ? reason : "unknown error") + "; give the plug-in library with --plugin";
         return false;
     }
     return findEntry(library, "praxaInit", entries.init, error) &&

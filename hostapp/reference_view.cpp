@@ -169,10 +169,8 @@ bool pickReferencePoint(const std::string &blockDotPort, bool asInput, std::stri
         return false;
     }
     Point *point = findPoint(*diagram, blockDotPort, error);
-    if (!point) {
-        error += "; name a point BLOCK.PORT of the diagram";
+    if (!point)
         return false;
-    }
     std::string name = point->name();
     if (asInput && !canBeInput(*diagram, *point)) {
         error = canBeOutput(*diagram, *point)

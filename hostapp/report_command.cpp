@@ -51,7 +51,7 @@ bool selectionReport(bool json, std::string *out, std::string *error)
 {
     analysis::Model model;
     if (!linearizeSelection(&model)) {
-        *error = "the selection could not be linearized";
+        *error = "the selection could not be linearized (the transcript says why); pick other points or blocks";
         return false;
     }
     *out = json ? analysis::modelReportJson(model) : analysis::modelReportText(model);

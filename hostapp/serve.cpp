@@ -224,7 +224,7 @@ int serveSession(const std::string &diagramPath, int port)
     session.join();
     takeTranscript();
     if (platform::settingsWriteFailures() > 0) {
-        std::fprintf(stderr, "praxa: the settings file %s could not be written\n", host().settingsPath.c_str());
+        std::fprintf(stderr, "praxa: the settings file %s could not be written; give a writable one with --settings\n", host().settingsPath.c_str());
         return 1;
     }
     return 0;

@@ -7,7 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
+#include <cstdio>
 #include <functional>
 
 #include "hostapp/locus_marks.h"
@@ -681,14 +681,17 @@ std::string renderPlotSvg(const PlotView &view)
 
 namespace {
 
+/* Through C's stdio: a C++ file stream would set up the locale, which a short command
+** that writes two plots pays for at every start. */
 bool fileHolds(const std::string &path, const std::string &text)
 {
-    std::ifstream in(path, std::ios::binary | std::ios::ate);
-    if (!in || in.tellg() != std::streamoff(text.size()))
+    FILE *in = std::fopen(path.c_str(), "rb");
+    if (!in)
         return false;
-    std::string held(text.size(), '\0');
-    in.seekg(0);
-    return in.read(held.data(), std::streamsize(held.size())) && held == text;
+    std::string held(text.size() + 1, '\0');  /* one more: a longer file reads that byte */
+    size_t size = std::fread(held.data(), 1, held.size(), in);
+    std::fclose(in);
+    return size == text.size() && held.compare(0, size, text) == 0;
 }
 
 }
@@ -701,17 +704,16 @@ bool writeSvgFile(const std::string &path, const std::string &text, std::string 
     if (fileHolds(path, text))
         return true;
     std::string temporary = path + ".tmp";
-    {
-        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-        if (!out) {
-            *error = "cannot create the file";
-            return false;
-        }
-        out << text;
-        if (!out.flush()) {
-            *error = "write failed";
-            return false;
-        }
+    FILE *out = std::fopen(temporary.c_str(), "wb");
+    if (!out) {
+        *error = "cannot create the file";
+        return false;
+    }
+    bool written = std::fwrite(text.data(), 1, text.size(), out) == text.size();
+    if (std::fclose(out) != 0 || !written) {
+        std::remove(temporary.c_str());
+        *error = "write failed";
+        return false;
     }
     if (std::rename(temporary.c_str(), path.c_str()) != 0) {
         std::remove(temporary.c_str());

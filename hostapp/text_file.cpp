@@ -14,8 +14,8 @@ namespace hostapp {
 
 bool readTextFile(const std::string &path, const char *what, size_t limit, std::string &text, std::string &error)
 {
-    auto refuse = [&](const std::string &reason) {
-        error = std::string("cannot read ") + what + " " + path + ": " + reason;
+    auto refuse = [&](const std::string &reason, const char *instead = "give a readable") {
+        error = std::string("cannot read ") + what + " " + path + ": " + reason + "; " + instead + " " + what + " file";
         return false;
     };
     int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
@@ -43,7 +43,7 @@ bool readTextFile(const std::string &path, const char *what, size_t limit, std::
         if (text.size() + (size_t)n > limit) {
             ::close(fd);
             text.clear();
-            return refuse("larger than " + std::to_string(limit >> 20) + " MiB");
+            return refuse("larger than " + std::to_string(limit >> 20) + " MiB", "give a smaller");
         }
         text.append(block, (size_t)n);
     }

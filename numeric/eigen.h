@@ -24,4 +24,11 @@ void hessenbergReduce(Matrix *a, int32_t n);
 /* wr, wi: 1-based arrays of n + 1 doubles. Destroys a. */
 void eigenSolver(Matrix *a, int32_t n, double *wr, double *wi);
 
+/* The roots of c_0 + c_1 s + ... + c_n s^n (ascending, n + 1 coefficients) as the
+** eigenvalues of its companion matrix, built in Hessenberg form in the top-left of W (at
+** least n x n).  Returns the degree d (highest nonzero coefficient; -1 when all are 0)
+** and writes d roots in the eigenvalue solver's order; nothing is written when d < 1.
+** (numeric/poly_roots.cpp) */
+int32_t polyRoots(Complex *roots, const double *c, int32_t n, Matrix *W);
+
 #endif

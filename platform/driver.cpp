@@ -64,20 +64,6 @@ bool hasActionFor(const Window &dialog)
                        [&dialog](const DialogAction &a) { return appliesTo(a, dialog); });
 }
 
-const char *kindName(WindowKind kind)
-{
-    switch (kind) {
-    case WindowKind::Edit: return "edit";
-    case WindowKind::PushButton: return "button";
-    case WindowKind::DefaultButton: return "default-button";
-    case WindowKind::CheckBox: return "checkbox";
-    case WindowKind::RadioButton: return "radio";
-    case WindowKind::GroupBox: return "groupbox";
-    case WindowKind::ListBox: return "listbox";
-    default: return "static";
-    }
-}
-
 std::string actionLine(const DialogAction &a)
 {
     std::string id = std::to_string(a.control);

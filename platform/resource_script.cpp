@@ -509,6 +509,9 @@ void Preprocessor::run(const std::string &fileName, const std::string &text, int
     fileNames_.push_back(fileName);
     const std::string *file = &fileNames_.back();
     size_t conditionsAtStart = conditions_.size();
+    /* Room for the tokens up front: moving them as the list grows touches twice the memory,
+    ** and every page touched for the first time costs the start-up of a short command. */
+    tokens.reserve(tokens.size() + text.size() / 4);
 
     std::vector<std::string> lines;
     size_t start = 0;

@@ -52,20 +52,6 @@ Session &session()
 
 uintptr_t handleNumber(const void *handle) { return reinterpret_cast<uintptr_t>(handle); }
 
-const char *kindName(WindowKind kind)
-{
-    switch (kind) {
-    case WindowKind::Edit: return "edit";
-    case WindowKind::PushButton: return "button";
-    case WindowKind::DefaultButton: return "default-button";
-    case WindowKind::CheckBox: return "checkbox";
-    case WindowKind::RadioButton: return "radio";
-    case WindowKind::GroupBox: return "groupbox";
-    case WindowKind::ListBox: return "listbox";
-    default: return "static";
-    }
-}
-
 std::string menuText(HMENU menu, int position)
 {
     char text[256];
@@ -198,7 +184,7 @@ bool readDialogAction(const nlohmann::json &input, DialogAction &action, std::st
     std::string verb = input.value("action", "");
     const auto *found = std::find_if(std::begin(verbs), std::end(verbs), [&](const auto &v) { return verb == v.name; });
     if (found == std::end(verbs)) {
-        error = "unknown dialog action '" + verb + "'";
+        error = "unknown dialog action '" + verb + "'; send one of type, click, check, uncheck, select, focus, cancel";
         return false;
     }
     action.kind = found->kind;
@@ -206,7 +192,7 @@ bool readDialogAction(const nlohmann::json &input, DialogAction &action, std::st
     action.index = input.value("index", 0);
     action.text = input.value("text", "");
     if (action.text.size() > MAX_TYPED_TEXT) {
-        error = "typed text longer than " + std::to_string(MAX_TYPED_TEXT) + " characters";
+        error = "typed text longer than " + std::to_string(MAX_TYPED_TEXT) + " characters; type a shorter text";
         return false;
     }
     return true;

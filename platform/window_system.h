@@ -67,6 +67,7 @@ struct Window {
 };
 
 /* ---- windows.cpp ---- */
+const char *kindName(WindowKind kind);      /* a control's kind as transcripts and the web page name it */
 Window *findWindow(HWND window);
 Window &createWindow(WindowKind kind, HWND parent);
 void destroyWindow(HWND window);            /* a dialog goes with its controls */

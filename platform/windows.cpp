@@ -244,6 +244,20 @@ Window *dialogControl(HWND dialog, int id)
 
 /* ---- Shared inside the windowing stand-in ---- */
 
+const char *kindName(WindowKind kind)
+{
+    switch (kind) {
+    case WindowKind::Edit: return "edit";
+    case WindowKind::PushButton: return "button";
+    case WindowKind::DefaultButton: return "default-button";
+    case WindowKind::CheckBox: return "checkbox";
+    case WindowKind::RadioButton: return "radio";
+    case WindowKind::GroupBox: return "groupbox";
+    case WindowKind::ListBox: return "listbox";
+    default: return "static";
+    }
+}
+
 Window *findWindow(HWND window)
 {
     auto &windows = windowSystem().windows;

@@ -1,8 +1,7 @@
 /*
 ** rlocus/locus_state.h: the root locus module's shared state and the operations of the
 ** sweep (root_locus.cpp), the root tracking from step to step (root_tracking.cpp), the
-** polynomial root finder (poly_roots.cpp), the gain range (gain_range.cpp) and the
-** pairing of branches with zeros (zero_branches.cpp).  Gains K are loop gains (no
+** gain range (gain_range.cpp) and the pairing of branches with zeros (zero_branches.cpp).  Gains K are loop gains (no
 ** unit); coefficient arrays are ascending (index k holds the coefficient of s^k).
 */
 #ifndef PRAXA_LOCUS_STATE_H
@@ -11,6 +10,7 @@
 #include <cstdint>
 
 #include "host/records.h"
+#include "numeric/eigen.h"
 #include "numeric/matrix.h"
 
 /* The taken set has one bit per branch: the locus tracks at most this many branches. */
@@ -91,14 +91,6 @@ void prepareTracking(const Complex *from, int32_t n, double fromGain, bool hasGa
 ** them (a root not converging or leaving its branch's neighbourhood, a leading
 ** coefficient of 0, non-finite input); roots then holds nothing usable. */
 bool trackRoots(Complex *roots, const double *c, int32_t n, double dK);
-
-/* --- polynomial root finder (poly_roots.cpp) --- */
-
-/* The roots of c_0 + c_1 s + ... + c_n s^n (ascending, n + 1 coefficients) as the
-** eigenvalues of its companion matrix, built in Hessenberg form in the top-left of W (at
-** least n x n).  Returns the degree d (highest nonzero coefficient; -1 when all are 0)
-** and writes d roots in the eigenvalue solver's order; nothing is written when d < 1. */
-int32_t polyRoots(Complex *roots, const double *c, int32_t n, Matrix *W);
 
 /* --- gain range (gain_range.cpp) --- */
 /* Box size *S (twice the largest root magnitude, at least 2) and the automatic top

@@ -62,5 +62,6 @@ TEST(ReportCommand, SelectionWithoutStatesIsRefusedWithThePluginsMessage)
                              dir.file("gains.json") + " report");
     EXPECT_EQ(run.status, 1);
     EXPECT_NE(run.out.find("No blocks with state in selection"), std::string::npos) << run.out;
-    EXPECT_EQ(run.err, "praxa: command line: the selection could not be linearized\n");
+    EXPECT_EQ(run.err, "praxa: command line: the selection could not be linearized (the transcript says why); pick other "
+                       "points or blocks\n");
 }

@@ -22,11 +22,11 @@ TEST(InputLimits, UnusableFilesAndFoldersAreRefusedUpFront)
     struct Row {
         std::string arguments, error;
     } rows[] = {
-        {settings + "/dev/zero tf", "praxa: cannot read diagram /dev/zero: larger than 256 MiB\n"},
-        {settings + "--script /dev/zero", "praxa: cannot read script /dev/zero: larger than 16 MiB\n"},
-        {settings + "--script " + dir.path + " " + servo, "praxa: cannot read script " + dir.path + ": Is a directory\n"},
+        {settings + "/dev/zero tf", "praxa: cannot read diagram /dev/zero: larger than 256 MiB; give a smaller diagram file\n"},
+        {settings + "--script /dev/zero", "praxa: cannot read script /dev/zero: larger than 16 MiB; give a smaller script file\n"},
+        {settings + "--script " + dir.path + " " + servo, "praxa: cannot read script " + dir.path + ": Is a directory; give a readable script file\n"},
         {settings + "--out " + dir.file("afile") + " " + servo + " bode",
-         "praxa: cannot write into output folder " + dir.file("afile") + ": Not a directory\n"},
+         "praxa: cannot write into output folder " + dir.file("afile") + ": Not a directory; give another folder with --out\n"},
     };
     for (const Row &row : rows) {
         RunResult run = runPraxa(row.arguments);

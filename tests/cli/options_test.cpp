@@ -40,7 +40,7 @@ TEST(CommandLineOptions, UnusableValuesAndPointsAreRefusedBeforeAnyDialog)
         {"--output ref.out linearize",
          "--output ref.out: no selected block computes ref.out, so it cannot be an output of the selection; "
          "pick one that does, such as ctrl.out, amp.out, motor.out"},
-        {"--output nowhere.out linearize", "--output nowhere.out: no block 'nowhere'; name a point BLOCK.PORT of the diagram"},
+        {"--output nowhere.out linearize", "--output nowhere.out: no block 'nowhere'; name a block by its id, or its path such as outer/inner"},
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(row.arguments);

@@ -56,40 +56,44 @@ TEST_F(DiagramFile, BadFilesAreRefusedNamingWhatAndWhere)
          "bad.json:1: not valid JSON: syntax error while parsing value - unexpected end of "
          "input; expected '[', '{', or a literal"},
         {"[1, 2]",
-         "bad.json:1: a diagram file holds one JSON object with \"blocks\" and \"wires\""},
+         "bad.json:1: the file is not one JSON object; write the diagram as one object with "
+         "\"blocks\" and \"wires\" (see examples/README.md)"},
         {R"({
   "blocks": [
     {"id": "ref", "type": "step", "value": 1},
     {"id": "plant", "type": "tranferFunction", "num": [1], "den": [1, 1]}
   ]
 })",
-         "bad.json:4: block 'plant': unknown block type 'tranferFunction' (examples/README.md lists the block types)"},
+         "bad.json:4: block 'plant': unknown block type 'tranferFunction'; use one of the block types listed in "
+         "examples/README.md"},
         {R"({"blocks": [
         {"id": "ctrl", "type": "gain"}]})",
-         "bad.json:2: block 'ctrl': missing parameter 'gain'"},
+         "bad.json:2: block 'ctrl': missing parameter 'gain'; add it as \"gain\": NUMBER"},
         {R"({"blocks": [
         {"id": "ctrl", "type": "gain", "gian": 2, "gain": 2}]})",
-         "bad.json:2: block 'ctrl': a gain block has no parameter 'gian'"},
+         "bad.json:2: block 'ctrl': a gain block has no parameter 'gian'; remove it or correct its name "
+         "(examples/README.md lists each type's parameters)"},
         {R"({"blocks": [
         {"id": "ctrl", "type": "gain",
          "gain": "two"}]})",
-         "bad.json:3: block 'ctrl': parameter 'gain' must be a number"},
+         "bad.json:3: block 'ctrl': parameter 'gain' must be a number; write one number, such as 2.5"},
         {R"({"blocks": [{"type": "gain", "gain": 1}]})",
-         "bad.json:1: block #1: missing parameter 'id' (a text)"},
+         "bad.json:1: block #1 has no \"id\"; give each block an \"id\" text"},
         {R"({"blocks": [{"id": "a.b", "type": "gain", "gain": 1}]})",
-         "bad.json:1: block #1: the id 'a.b' must be a nonempty name without '.' or '/'"},
+         "bad.json:1: block #1: the id 'a.b' must be a nonempty name without '.' or '/'; rename the block"},
         {R"({"blocks": [{"id": "k\u0000x", "type": "gain", "gain": 1}]})",
-         "bad.json:1: block #1: the id holds a control character"},
+         "bad.json:1: block #1: the id holds a control character; rename the block with printable characters"},
         {wires + R"(["ref", "err.3"]]})",
-         "bad.json:6: wire 'ref' -> 'err.3': block 'err' has no input 3"},
+         "bad.json:6: wire 'ref' -> 'err.3': block 'err' has no input 3; pick one from 1 to 2"},
         {wires + R"(["ref", "erx.2"]]})",
-         "bad.json:6: wire 'ref' -> 'erx.2': no block 'erx'"},
+         "bad.json:6: wire 'ref' -> 'erx.2': no block 'erx'; name a block of the same level by its id"},
         {wires + R"(["err.2", "err.2"]]})",
          "bad.json:6: wire 'err.2' -> 'err.2': 'err.2' is an input; a wire starts at an output"},
         {wires + R"(["ref", "err.1"]]})",
-         "bad.json:6: wire 'ref' -> 'err.1': input 'err.1' already has a wire"},
+         "bad.json:6: wire 'ref' -> 'err.1': input 'err.1' already has a wire; each input takes one wire (join "
+         "signals with a sum block)"},
         {wires + R"(["ref", "err.out2"]]})",
-         "bad.json:6: wire 'ref' -> 'err.out2': block 'err' has no output 2"},
+         "bad.json:6: wire 'ref' -> 'err.out2': block 'err' has no output 2; it has only output 1"},
         {wires + R"(["ref", "err.x"]]})",
          "bad.json:6: wire 'ref' -> 'err.x': 'err.x' names no port (ports are out, outN, in, inN or N)"},
         {wires + R"("ref"]})",
@@ -98,12 +102,12 @@ TEST_F(DiagramFile, BadFilesAreRefusedNamingWhatAndWhere)
         {"id": "ref", "type": "step", "value": 1},
         {"id": "err", "type": "sum", "signs": "+-"}],
       "wires": [["ref", "err.1"]]})",
-         "bad.json:3: input 'err.2' is not connected"},
+         "bad.json:3: input 'err.2' is not connected; wire a signal to it (a constant 0 if it is not used)"},
         {R"({"blocks": [
         {"id": "c", "type": "compound",
          "blocks": [{"id": "k", "type": "gain", "gain": 1}],
          "inputs": ["k"], "outputs": ["k"]}]})",
-         "bad.json:2: input 'c.1' is not connected"},
+         "bad.json:2: input 'c.1' is not connected; wire a signal to it (a constant 0 if it is not used)"},
         {R"({"blocks": [
         {"id": "ref", "type": "step", "value": 1},
         {"id": "err", "type": "sum", "signs": "+-"},
@@ -117,22 +121,25 @@ TEST_F(DiagramFile, BadFilesAreRefusedNamingWhatAndWhere)
         {"id": "src", "type": "constant", "value": 1},
         {"id": "plant", "type": "transferFunction", "num": [1, 0, 0], "den": [1, 1]}],
       "wires": [["src", "plant"]]})",
-         "bad.json:3: block 'plant': improper transfer function: numerator degree 2 exceeds denominator degree 1"},
+         "bad.json:3: block 'plant': improper transfer function: numerator degree 2 exceeds denominator degree 1; "
+         "make the denominator's degree at least the numerator's"},
         {R"({"blocks": [
         {"id": "plant", "type": "discreteTransferFunction", "num": [1], "den": [0, 1]}]})",
-         "bad.json:2: block 'plant': the denominator's leading coefficient is 0"},
+         "bad.json:2: block 'plant': the denominator's leading coefficient is 0; drop the leading zeros"},
         {integrator + R"("selection": ["x", "y"]})",
-         "bad.json:3: selection: no block 'y' at the top level of the diagram"},
+         "bad.json:3: selection: no block 'y' at the top level of the diagram; list the ids of top-level blocks"},
         {integrator + R"("selection": ["x", "x"]})",
-         "bad.json:3: selection: block 'x' is named twice"},
+         "bad.json:3: selection: block 'x' is named twice; list each block once"},
         {integrator + R"("input": "x.2"})",
-         "bad.json:3: input point: block 'x' has no input 2"},
+         "bad.json:3: input point: block 'x' has no input 2; it has only input 1"},
         {integrator + R"("initialStates": {"src": 1}})",
-         "bad.json:3: block 'src' has no state to set"},
+         "bad.json:3: block 'src' has no state to set; leave out its initial state"},
         {integrator + R"("initialStates": {"x": [1, 2]}})",
          "bad.json:3: block 'x': the initial state must hold 1 number(s)"},
         {integrator + R"("inputs": "x.2"})",
-         "bad.json:3: unknown entry 'inputs'"},
+         "bad.json:3: unknown entry 'inputs'; remove it or correct its name (the entries are blocks, "
+         "wires, selection, input, output, samplePeriod, perturbation, "
+         "initialStates, title and comment)"},
     };
     for (const auto &[text, message] : rows)
         EXPECT_EQ(refusal(text), message) << text;
@@ -152,9 +159,9 @@ TEST_F(DiagramFile, RefusedFileLeavesThePreviousDiagram)
     std::string error;
     ASSERT_TRUE(hostapp::loadDiagramFile(std::string(PRAXA_SOURCE_DIR) + "/examples/servo.json", error)) << error;
     EXPECT_FALSE(hostapp::loadDiagramFile("/nonexistent/diagram.json", error));
-    EXPECT_EQ(error, "cannot read diagram /nonexistent/diagram.json: No such file or directory");
+    EXPECT_EQ(error, "cannot read diagram /nonexistent/diagram.json: No such file or directory; give a readable diagram file");
     EXPECT_FALSE(hostapp::loadDiagramFile(std::string(PRAXA_SOURCE_DIR) + "/examples", error));
-    EXPECT_EQ(error, "cannot read diagram " + std::string(PRAXA_SOURCE_DIR) + "/examples: Is a directory");
+    EXPECT_EQ(error, "cannot read diagram " + std::string(PRAXA_SOURCE_DIR) + "/examples: Is a directory; give a readable diagram file");
     EXPECT_NE(hostapp::diagramBlock("motor"), nullptr);
     refusal("{");
     EXPECT_NE(hostapp::diagramBlock("motor"), nullptr);

@@ -88,19 +88,19 @@ TEST_F(BlockLibrary, BadlyGivenBlocksAreRefusedSayingWhatToChange)
     } rows[] = {
         {R"J({"id": "f", "type": "expression", "inputs": 2, "expr": "u3 + 1"})J",
          "block 'f': the expression 'u3 + 1' does not parse: Unexpected token \"u3\" found at position 0. "
-         "(the inputs are u1 ... u2)"},
+         "(the inputs are u1 ... u2); correct the formula"},
         {R"J({"id": "f", "type": "expression", "expr": "k*u1 +", "parameters": {"k": 1}})J",
          "block 'f': the expression 'k*u1 +' does not parse: Unexpected end of expression at position 7 "
-         "(the input is u1; the parameters are k)"},
+         "(the input is u1; the parameters are k); correct the formula"},
         {R"J({"id": "f", "type": "expression", "expr": "u1", "parameters": {"u1": 1}})J",
          "block 'f': the parameter name 'u1' is kept for inputs; rename the parameter"},
         {R"J({"id": "f", "type": "expression", "expr": "u1", "parameters": {"k": "two"}})J",
-         "block 'f': parameter 'k' must be a number"},
+         "block 'f': parameter 'k' must be a number; write one number, such as 2.5"},
         {R"J({"id": "f", "type": "lookup", "x": [0, 2, 1], "y": [0, 1, 2]})J",
          "block 'f': the breakpoints 'x' must increase strictly; sort them and drop repeats"},
         {R"J({"id": "f", "type": "lookup", "x": [0, 1], "y": [0]})J",
          "block 'f': 'x' and 'y' must hold the same number of values, at least 2"},
-        {R"J({"id": "f", "type": "power"})J", "block 'f': missing parameter 'exponent'"},
+        {R"J({"id": "f", "type": "power"})J", "block 'f': missing parameter 'exponent'; add it as \"exponent\": NUMBER"},
         {R"J({"id": "f", "type": "sqrt"})J",
          "block 'f': its output is NaN at time 0; change the initial values or parameters that feed it"},
         {R"J({"id": "f", "type": "compensator", "zeros": [[-1, 2]], "poles": [-3, -4]})J",

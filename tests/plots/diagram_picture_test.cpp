@@ -118,7 +118,7 @@ TEST(DiagramPicture, IdsOfUnusualBlockNamesStayDistinctAndValid)
               (std::vector<std::string>{"a b", "a_20b", "x\"<&"}));
     hostapp::clearDiagram();
     EXPECT_EQ(hostapp::diagramPictureSvg(error), "");
-    EXPECT_EQ(error, "no diagram is loaded to draw");
+    EXPECT_EQ(error, "no diagram is loaded to draw; give a diagram file before the draw command");
 }
 
 }

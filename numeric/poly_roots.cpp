@@ -1,5 +1,5 @@
 /*
-** rlocus/poly_roots.cpp: the roots of a real polynomial as the eigenvalues of its
+** numeric/poly_roots.cpp: the roots of a real polynomial as the eigenvalues of its
 ** companion matrix.  The companion is built directly in upper Hessenberg form, for a
 ** polynomial first scaled by a power of 2 so that its roots cluster around 1, and is
 ** balanced through its few nonzero entries, so the eigenvalue solver starts at once
@@ -10,7 +10,6 @@
 
 #include "host/host.h"
 #include "numeric/eigen.h"
-#include "rlocus/locus_state.h"
 
 /* The same stopping rule as the dense balancing: sweeps end when one scales nothing,
 ** and this cap only bounds elements at the ends of the exponent range. */
