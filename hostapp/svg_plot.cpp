@@ -206,6 +206,7 @@ struct Pixel {
 std::string curvePath(const std::vector<Pixel> &points, size_t *drawn, std::vector<Pixel> *lonePoints)
 {
     std::string d;
+    d.reserve(points.size() * 16);
     Pixel pen;
     *drawn = 0;
     for (size_t i = 0; i < points.size(); ++i) {
@@ -568,7 +569,9 @@ std::string renderPlotSvg(const PlotView &view)
         std::string d = curvePath(pixels, &drawn, &lonePoints);
         drawnInAll += drawn + lonePoints.size();
         svg.text += "<path class=\"trace\" data-trace=\"" + std::to_string(s.trace) + "\" data-points=\"" +
-                    std::to_string(drawn) + "\" stroke=\"" + colour + "\" d=\"" + d + "\"/>\n";
+                    std::to_string(drawn) + "\" stroke=\"" + colour + "\" d=\"";
+        svg.text += d;
+        svg.text += "\"/>\n";
         for (const Pixel &p : lonePoints)
             svg.text += "<circle cx=\"" + number(p.x) + "\" cy=\"" + number(p.y) + "\" r=\"2\" fill=\"" + colour +
                         "\" stroke=\"none\"/>\n";
