@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdio>
 #include <functional>
+#include <utility>
 
 #include "hostapp/locus_marks.h"
 #include "hostapp/nyquist_closure.h"
@@ -526,6 +527,8 @@ std::string renderPlotSvg(const PlotView &view)
     }
 
     SvgWriter svg;
+    /* Room for the frame and about 16 bytes a point: the text is not copied as it grows. */
+    svg.text.reserve(16384 + 16 * xs.size());
     svg.text += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
     svg.text += "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"800\" height=\"500\" viewBox=\"0 0 800 500\" "
                 "font-family=\"DejaVu Sans, Arial, Helvetica, sans-serif\" font-size=\"12\">\n";
@@ -679,7 +682,7 @@ std::string renderPlotSvg(const PlotView &view)
     }
     drawLegend(svg, legend);
     svg.text += "</svg>\n";
-    return svg.text;
+    return std::move(svg.text);
 }
 
 namespace {
