@@ -50,21 +50,43 @@ protected:
     }
 };
 
-TEST_F(FrequencyResponse, OneStepOrNoStatesTitlesThePlotsAndComputesNothing)
+/* Ranges that cannot be swept: the plots are set up and titled, nothing is computed, and a
+** negative end is reported before a zero one; fewer than two steps say nothing. */
+TEST_F(FrequencyResponse, RangesThatCannotBeSweptComputeNothing)
 {
-    frequencyRange.steps = 1;
-    bode(2.0, {}, TRIPLE_POLE);
-    PlotRecord *phase = plotRecordOf(phasePlot), *magnitude = plotRecordOf(magnitudePlot);
-    EXPECT_STREQ(phase->title, "Bode-Phase1");
-    EXPECT_STREQ(magnitude->title, "Bode-Magnitude1");
-    EXPECT_STREQ(phase->yLabel, "Phase, (Deg)");
-    EXPECT_STREQ(phase->traces[0].label, "Phase");
-    EXPECT_STREQ(magnitude->traces[0].label, "Magnitude");
-    EXPECT_EQ(magnitude->traces[0].points.count, 1u);
-    EXPECT_TRUE(std::isnan(magnitudes().at(0))) << "nothing is written";
-    EXPECT_EQ(platform::transcriptText(), "") << "no message, no margins, no plot shown";
+    const struct {
+        RangeSettings range;
+        const char *message;            /* null: no message */
+    } rows[] = {
+        {{1, 0.1, 100.0}, nullptr},
+        {{-4, 0.1, 100.0}, nullptr},    /* reserves nothing */
+        {{50, -1.0, 0.0}, NEGATIVE_RANGE_MESSAGE},
+        {{50, 0.1, -100.0}, NEGATIVE_RANGE_MESSAGE},
+        {{50, 0.0, 100.0}, ZERO_RANGE_MESSAGE},
+        {{50, 0.1, 0.0}, ZERO_RANGE_MESSAGE},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.range.steps);
+        platform::clearTranscript();
+        frequencyPlotCount = 0;
+        frequencyRange = row.range;
+        bode(2.0, {}, TRIPLE_POLE);
+        EXPECT_EQ(platform::transcript(), row.message ? messageOnly(row.message) : std::vector<std::string>{});
+        PlotRecord *phase = plotRecordOf(phasePlot), *magnitude = plotRecordOf(magnitudePlot);
+        EXPECT_STREQ(phase->title, "Bode-Phase1");
+        EXPECT_STREQ(magnitude->title, "Bode-Magnitude1");
+        EXPECT_STREQ(phase->yLabel, "Phase, (Deg)");
+        EXPECT_STREQ(phase->traces[0].label, "Phase");
+        EXPECT_STREQ(magnitude->traces[0].label, "Magnitude");
+        if (row.range.steps > 0) {
+            EXPECT_EQ(magnitude->traces[0].points.count, (uint32_t)row.range.steps);
+            EXPECT_TRUE(std::isnan(magnitudes().at(0))) << "nothing is written";
+        }
+    }
 
-    frequencyRange.steps = 50;
+    /* No states: the plots are titled on, in the phase unit, and nothing is said. */
+    platform::clearTranscript();
+    frequencyRange = {50, 0.1, 100.0};
     phaseUnit.selected = PHASE_UNIT_RADIANS;
     bodeOfModel(0);
     EXPECT_STREQ(plotRecordOf(phasePlot)->title, "Bode-Phase2");
@@ -72,34 +94,6 @@ TEST_F(FrequencyResponse, OneStepOrNoStatesTitlesThePlotsAndComputesNothing)
     EXPECT_EQ(magnitudes().size(), 50u);
     EXPECT_TRUE(std::isnan(magnitudes().at(0)));
     EXPECT_EQ(platform::transcriptText(), "");
-
-    /* A negative step count reserves nothing and is not swept either. */
-    frequencyRange.steps = -4;
-    bode(2.0, {}, TRIPLE_POLE);
-    EXPECT_EQ(platform::transcriptText(), "");
-}
-
-TEST_F(FrequencyResponse, NegativeEndsAreReportedBeforeZeroEnds)
-{
-    frequencyRange = {50, -1.0, 0.0};
-    bode(2.0, {}, TRIPLE_POLE);
-    EXPECT_EQ(platform::transcript(), messageOnly(NEGATIVE_RANGE_MESSAGE));
-    EXPECT_STREQ(plotRecordOf(phasePlot)->title, "Bode-Phase1") << "the plots are set up before the checks";
-    EXPECT_TRUE(std::isnan(magnitudes().at(0)));
-
-    platform::clearTranscript();
-    frequencyRange = {50, 0.1, -100.0};
-    bode(2.0, {}, TRIPLE_POLE);
-    EXPECT_EQ(platform::transcript(), messageOnly(NEGATIVE_RANGE_MESSAGE));
-
-    for (RangeSettings range : {RangeSettings{50, 0.0, 100.0}, RangeSettings{50, 0.1, 0.0}}) {
-        platform::clearTranscript();
-        frequencyRange = range;
-        bode(2.0, {}, TRIPLE_POLE);
-        EXPECT_EQ(platform::transcript(), messageOnly(ZERO_RANGE_MESSAGE));
-        EXPECT_TRUE(std::isnan(magnitudes().at(0)));
-        EXPECT_EQ(marginDialogCount(), 0);
-    }
 }
 
 /* K/(s+1)^3 on the default grid 0.1 ... 100, point by point: in Hertz evaluated at 2 pi f
