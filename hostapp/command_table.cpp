@@ -93,7 +93,9 @@ bool parseDialogAction(const std::vector<std::string> &words, DialogAction &a, s
         if (words[0] != verb.word)
             continue;
         if (words.size() < verb.arguments + 1 || (verb.kind != ActionKind::Type && words.size() != verb.arguments + 1)) {
-            error = "dialog action '" + words[0] + "' takes " + std::to_string(verb.arguments) + " argument(s)";
+            static const char *const forms[] = {"", " ID", " ID INDEX"};
+            error = "dialog action '" + words[0] + "' takes " + std::to_string(verb.arguments) + " argument(s); write it as '" +
+                    words[0] + (verb.kind == ActionKind::Type ? " ID TEXT" : forms[verb.arguments]) + "'";
             return false;
         }
         a = DialogAction{};

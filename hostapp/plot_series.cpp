@@ -28,22 +28,38 @@ size_t bufferPointCount(const PlotPointBuffer *buffer)
     return std::min<size_t>((size_t)buffer->highestIndex + 1, buffer->capacity);
 }
 
-/* x of point i of n over the sweep: logarithmic grid from start to stop on a
-** logarithmic x axis, else start + i * step. */
-double sweepX(const PlotRecord &r, size_t i, size_t n)
-{
-    bool logarithmic = (r.flagsB & PLOT_B_LOG_X) && r.sweepStart > 0 && r.sweepStop > 0;
-    if (logarithmic) {
-        if (n < 2)
-            return r.sweepStart;
-        double t = (double)i / (double)(n - 1);
-        return std::pow(10.0, std::log10(r.sweepStart) + t * (std::log10(r.sweepStop) - std::log10(r.sweepStart)));
+/* The x values of a sweep of n points: a logarithmic grid from start to stop on a
+** logarithmic x axis, else start + i * step.  The logarithms of the ends are taken
+** once: a plot is read several times (its bounds, its picture, its numbers). */
+struct SweepGrid {
+    bool logarithmic;
+    double first, last;     /* log10 of the ends, or the start and the step */
+    size_t n;
+
+    SweepGrid(const PlotRecord &r, size_t count) : n(count)
+    {
+        logarithmic = (r.flagsB & PLOT_B_LOG_X) && r.sweepStart > 0 && r.sweepStop > 0;
+        if (logarithmic) {
+            first = std::log10(r.sweepStart);
+            last = std::log10(r.sweepStop);
+            return;
+        }
+        first = r.sweepStart;
+        last = r.sweepStep;
+        if (!std::isfinite(last))
+            last = n > 1 ? (r.sweepStop - r.sweepStart) / (double)(n - 1) : 0.0;
     }
-    double step = r.sweepStep;
-    if (!std::isfinite(step))
-        step = n > 1 ? (r.sweepStop - r.sweepStart) / (double)(n - 1) : 0.0;
-    return r.sweepStart + (double)i * step;
-}
+
+    double at(size_t i, double start) const
+    {
+        if (!logarithmic)
+            return first + (double)i * last;
+        if (n < 2)
+            return start;
+        double t = (double)i / (double)(n - 1);
+        return std::pow(10.0, first + t * (last - first));
+    }
+};
 
 std::vector<PlotSeries> frequencySeries(const PlotRecord &r)
 {
@@ -59,10 +75,11 @@ std::vector<PlotSeries> frequencySeries(const PlotRecord &r)
         PlotSeries s;
         s.trace = k;
         s.label = recordText(r.traces[k].label, sizeof r.traces[k].label);
-        for (size_t i = 0; i < count; ++i) {
-            s.x.push_back(sweepX(r, i, gridCount));
-            s.y.push_back(values[i]);
-        }
+        SweepGrid grid(r, gridCount);
+        s.x.resize(count);
+        for (size_t i = 0; i < count; ++i)
+            s.x[i] = grid.at(i, r.sweepStart);
+        s.y.assign(values, values + count);
         all.push_back(std::move(s));
     }
     return all;

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdio>
 #include <functional>
+#include <utility>
 
 #include "hostapp/locus_marks.h"
 #include "hostapp/nyquist_closure.h"
@@ -206,6 +207,7 @@ struct Pixel {
 std::string curvePath(const std::vector<Pixel> &points, size_t *drawn, std::vector<Pixel> *lonePoints)
 {
     std::string d;
+    d.reserve(points.size() * 16);
     Pixel pen;
     *drawn = 0;
     for (size_t i = 0; i < points.size(); ++i) {
@@ -525,6 +527,8 @@ std::string renderPlotSvg(const PlotView &view)
     }
 
     SvgWriter svg;
+    /* Room for the frame and about 16 bytes a point: the text is not copied as it grows. */
+    svg.text.reserve(16384 + 16 * xs.size());
     svg.text += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
     svg.text += "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"800\" height=\"500\" viewBox=\"0 0 800 500\" "
                 "font-family=\"DejaVu Sans, Arial, Helvetica, sans-serif\" font-size=\"12\">\n";
@@ -568,7 +572,9 @@ std::string renderPlotSvg(const PlotView &view)
         std::string d = curvePath(pixels, &drawn, &lonePoints);
         drawnInAll += drawn + lonePoints.size();
         svg.text += "<path class=\"trace\" data-trace=\"" + std::to_string(s.trace) + "\" data-points=\"" +
-                    std::to_string(drawn) + "\" stroke=\"" + colour + "\" d=\"" + d + "\"/>\n";
+                    std::to_string(drawn) + "\" stroke=\"" + colour + "\" d=\"";
+        svg.text += d;
+        svg.text += "\"/>\n";
         for (const Pixel &p : lonePoints)
             svg.text += "<circle cx=\"" + number(p.x) + "\" cy=\"" + number(p.y) + "\" r=\"2\" fill=\"" + colour +
                         "\" stroke=\"none\"/>\n";
@@ -676,7 +682,7 @@ std::string renderPlotSvg(const PlotView &view)
     }
     drawLegend(svg, legend);
     svg.text += "</svg>\n";
-    return svg.text;
+    return std::move(svg.text);
 }
 
 namespace {

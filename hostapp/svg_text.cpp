@@ -19,11 +19,12 @@ constexpr double SHORT_WAY_LIMIT = 1e7;
 ** is below 1e-7 there), and the general routine must decide. */
 bool appendHundredths(std::string &out, double v)
 {
-    double scaled = std::fabs(v) * 100.0, whole = std::floor(scaled);
-    double fraction = scaled - whole;
+    double scaled = std::fabs(v) * 100.0;
+    uint64_t whole = (uint64_t)scaled;
+    double fraction = scaled - (double)whole;
     if (std::fabs(fraction - 0.5) < 1e-6)
         return false;
-    uint64_t hundredths = (uint64_t)whole + (fraction > 0.5 ? 1 : 0);
+    uint64_t hundredths = whole + (fraction > 0.5 ? 1 : 0);
     char text[32], *end = text;
     if (std::signbit(v))
         *end++ = '-';

@@ -101,13 +101,15 @@ std::string claimSession()
 httplib::Server::HandlerResponse refuseStrangers(const httplib::Request &req, httplib::Response &res)
 {
     if (req.remote_addr != "127.0.0.1") {
-        plainText(res, 403, "Praxa serves this machine only; requests from other hosts are refused.");
+        plainText(res, 403, "Praxa serves this machine only; requests from other hosts are refused. Open the page on "
+                            "this machine, at http://127.0.0.1:" + std::to_string(state().port) + "/.");
         return httplib::Server::HandlerResponse::Handled;
     }
     std::string port = ":" + std::to_string(state().port);
     std::string host = req.get_header_value("Host");
     if (req.has_header("Host") && host != "127.0.0.1" + port && host != "localhost" + port) {
-        plainText(res, 403, "Praxa answers requests for 127.0.0.1" + port + " only, not for '" + host + "'.");
+        plainText(res, 403, "Praxa answers requests for 127.0.0.1" + port + " only, not for '" + host + "'. Open http://127.0.0.1" +
+                                port + "/ instead.");
         return httplib::Server::HandlerResponse::Handled;
     }
     return httplib::Server::HandlerResponse::Unhandled;
@@ -148,7 +150,7 @@ void servePage(const httplib::Request &req, httplib::Response &res)
             res.set_content(asset.data, asset.size, asset.contentType);
             return;
         }
-    plainText(res, 500, "the page is missing from this build");
+    plainText(res, 500, "the page is missing from this build; build praxa again with its web assets");
 }
 
 /* A plot file of the output folder: a plain name (no folder, not hidden) ending .svg or .csv. */

@@ -209,7 +209,7 @@ test("a design session on the servo loop, in the browser", async () => {
     // Requests the server refuses, and it goes on serving.
     assert.equal(await rawRequest(port, "NONSENSE\r\n\r\n"), "HTTP/1.1 400 Bad Request");
     assert.deepEqual(await getWithHost(port, "praxa.example:80"),
-      { status: 403, body: `Praxa answers requests for 127.0.0.1:${port} only, not for 'praxa.example:80'.\n` });
+      { status: 403, body: `Praxa answers requests for 127.0.0.1:${port} only, not for 'praxa.example:80'. Open http://127.0.0.1:${port}/ instead.\n` });
     await runMenuItem(page, "Reuse Plots");
     await page.getByRole("menuitem", { name: "Praxa", exact: true }).click();
     assert.equal(await page.getByRole("menuitemcheckbox", { name: "Reuse Plots" }).getAttribute("aria-checked"), "true");
