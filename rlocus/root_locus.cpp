@@ -520,7 +520,7 @@ static bool locusRunFits(PlotRecord *plot, const double *num, const double *den,
     }
     /* A step whose roots cannot be tracked falls back to the eigenvalues of the n x n
     ** companion matrix, about n^3 operations: more steps x n^3 than this (37 s measured for
-    ** 17 steps of (s+1)^1000 + K, none tracked) are refused, as 65536 steps of 1000 poles
+    ** 17 steps of (s+1)^1000 + K) are refused, as 65536 steps of 1000 poles
     ** would take hours. */
     if ((int64_t)steps * n * n * n > ROOT_LOCUS_MOST_WORK) {
         winMsg("Root locus: %d steps for %d closed-loop poles are more than a root locus run takes "

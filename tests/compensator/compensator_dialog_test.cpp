@@ -132,23 +132,6 @@ TEST_F(CompensatorTest, OkReadsTheDialogAndHandsTheRecordToTheHost)
     EXPECT_EQ(loopPoles[3].re, -1.0);
 }
 
-TEST_F(CompensatorTest, TheRecordPersistsToTheNextInvocationAndCancelHandsNothingOver)
-{
-    type(IDC_COMP_GAIN, "3");
-    type(IDC_COMP_ZERO_EDIT, "-0.5");
-    click(IDC_COMP_ADD);
-    click(IDOK);
-    design();
-    platform::clearTranscript();
-    hostCommands.clear();
-    platform::queueDialogAction(DialogAction{DIALOG, ActionKind::Cancel, 0, "", 0});
-    design();
-    EXPECT_EQ(shownControl("edit", IDC_COMP_GAIN), "  edit 1023 \"3\"");
-    EXPECT_EQ(shownControl("listbox", IDC_COMP_ZEROS), "  listbox 107: \"(-.5,0)\"");
-    EXPECT_EQ(lineOf("[end] Compensator Design: 2"), (int)lines().size() - 1) << platform::transcriptText();
-    EXPECT_TRUE(hostCommands.empty());
-}
-
 TEST_F(CompensatorTest, ResetEventBetweenInvocationsOpensWithGainOneAndEmptyLists)
 {
     type(IDC_COMP_GAIN, "6");

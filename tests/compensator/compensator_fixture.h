@@ -37,10 +37,6 @@ inline void type(int control, const std::string &text)
     platform::queueDialogAction(DialogAction{DIALOG, ActionKind::Type, control, text, 0});
 }
 inline void click(int control) { platform::queueDialogAction(DialogAction{DIALOG, ActionKind::Click, control, "", 0}); }
-inline void select(int list, int index)
-{
-    platform::queueDialogAction(DialogAction{DIALOG, ActionKind::Select, list, "", index});
-}
 
 /* The lists as the dialog held them when OK or Cancel was pressed, with their selections. */
 struct ListState {
@@ -48,7 +44,6 @@ struct ListState {
     int selected = -2;
 };
 inline ListState zerosAtEnd, polesAtEnd;
-inline std::string gainAtEnd;
 /* Whether the focus was on OK, and what the procedure answered, right after WM_INITDIALOG. */
 inline bool focusOnOkAfterInit;
 inline INT_PTR initDialogResult = -1;
@@ -72,9 +67,6 @@ inline INT_PTR spiedCompensatorDlg(HWND dialog, UINT message, WPARAM wParam, LPA
     if (message == WM_COMMAND && (LOWORD(wParam) == IDOK || LOWORD(wParam) == IDCANCEL)) {
         zerosAtEnd = listState(dialog, IDC_COMP_ZEROS);
         polesAtEnd = listState(dialog, IDC_COMP_POLES);
-        char gain[256] = "";
-        GetDlgItemTextA(dialog, IDC_COMP_GAIN, gain, sizeof gain);
-        gainAtEnd = gain;
     }
     INT_PTR result = compensatorDlg(dialog, message, wParam, lParam);
     if (message == WM_INITDIALOG) {

@@ -101,7 +101,6 @@ protected:
         }
         return "<no margins dialog>";
     }
-    static double marginValue(int id, int occurrence = 0) { return std::atof(marginField(id, occurrence).c_str()); }
 
     static int marginDialogCount()
     {

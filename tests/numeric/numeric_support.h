@@ -5,6 +5,7 @@
 #ifndef PRAXA_TESTS_NUMERIC_SUPPORT_H
 #define PRAXA_TESTS_NUMERIC_SUPPORT_H
 
+#include <cmath>
 #include <initializer_list>
 #include <random>
 #include <string>
@@ -52,14 +53,23 @@ inline void resetMessages()
     hostapp::host().blockErrors = 0;
 }
 
-/* n x n matrix of independent normal entries, column-major. */
-inline std::vector<double> randomSquare(std::mt19937_64 &rng, int n)
+/* rows x cols matrix of independent normal entries, column-major. */
+inline std::vector<double> randomMatrix(std::mt19937_64 &rng, int rows, int cols)
 {
     std::normal_distribution<double> normal;
-    std::vector<double> values((size_t)n * n);
+    std::vector<double> values((size_t)rows * cols);
     for (double &v : values)
         v = normal(rng);
     return values;
+}
+inline std::vector<double> randomSquare(std::mt19937_64 &rng, int n) { return randomMatrix(rng, n, n); }
+
+inline double frobenius(const std::vector<double> &a)
+{
+    double s = 0;
+    for (double v : a)
+        s += v * v;
+    return std::sqrt(s);
 }
 
 inline Matrix *toMatrix(const std::vector<double> &columnMajor, uint32_t rows, uint32_t cols)

@@ -143,27 +143,6 @@ TEST_F(NyquistTest, IntegratorGetsOneHalfCircleAroundTheOriginAfterTheNoticeAndT
     EXPECT_NEAR(Y(750), -10.14326627469355, 1e-9);
 }
 
-TEST_F(NyquistTest, InfinityEnteredInTheDialogSizesTheDetour)
-{
-    /* With R∞ = 20 the search ends at 0.048828125, where |Y| ≈ 20.4. */
-    poles = {{0, 0}, {-1, 0}};
-    platform::queueDialogAction({"NYQUISTINFINITI", ActionKind::Type, 901, "20"});
-    platform::queueDialogAction({"NYQUISTINFINITI", ActionKind::Click, 1, ""});
-    run(1.0, 1.0);
-    EXPECT_EQ(nyquistInfinity, 20.0);
-    EXPECT_EQ(W[251], -0.048828125);
-    EXPECT_NEAR(W[750], 0.048828125, 1e-15);
-    EXPECT_EQ(platform::pendingDialogActions(), 0u);
-
-    /* The next run starts from 10 again, whatever the last run's value was. */
-    gfree(W);
-    platform::clearTranscript();
-    frequencyRange.steps = 50;
-    run(1.0, 1.0);
-    EXPECT_NE(transcript().find("  edit 901 \"10\"\n"), std::string::npos);
-    EXPECT_EQ(W[251], -0.09765625);
-}
-
 TEST_F(NyquistTest, PolePairOnTheAxisIsPassedOnBothSidesAndTheCurveIsSortedByFrequency)
 {
     /* G(s) = 1 / (s² + 4): real on the axis, 1/(4 − ω²).  From ωmid = 11 the search halves

@@ -4,43 +4,17 @@
 */
 #include <gtest/gtest.h>
 
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-
 #include "platform/driver.h"
-
-namespace fs = std::filesystem;
+#include "support.h"
 
 namespace {
 
 class Profile : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        platform::resetWindowing();
-        char pattern[] = "/tmp/praxa-profile-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        folder = pattern;
-        path = folder + "/tervan.ini";
-    }
-    void TearDown() override { fs::remove_all(folder); }
+    void SetUp() override { platform::resetWindowing(); }
 
-    void write(const std::string &text)
-    {
-        std::ofstream(path, std::ios::binary) << text;
-    }
-
-    std::string contents() const
-    {
-        std::ifstream in(path, std::ios::binary);
-        std::stringstream s;
-        s << in.rdbuf();
-        return s.str();
-    }
+    void write(const std::string &text) { testing_support::writeFile(path, text); }
+    std::string contents() const { return testing_support::readFile(path); }
 
     std::string get(const char *section, const char *key, const char *fallback = "", DWORD size = 64)
     {
@@ -50,7 +24,8 @@ protected:
         return std::string(buffer.data(), n);
     }
 
-    std::string folder, path;
+    testing_support::TempDir dir;
+    std::string folder = dir.path, path = dir.file("tervan.ini");
 };
 
 const char *const settings =
@@ -120,25 +95,6 @@ TEST_F(Profile, WritesKeepEveryOtherLineOfTheFile)
     EXPECT_EQ(get("plots", "PRXREUSEPLOTS"), "1");
     EXPECT_EQ(platform::settingsWriteFailures(), 0);
     EXPECT_EQ(platform::transcript().size(), 0u);
-}
-
-TEST_F(Profile, NewFileAndWindowsLineBreaksAreKept)
-{
-    EXPECT_TRUE(WritePrivateProfileStringA("tervan", "freqSteps", "50", path.c_str()));
-    EXPECT_EQ(contents(), "[tervan]\nfreqSteps=50\n");
-    struct stat info{};
-    ASSERT_EQ(stat(path.c_str(), &info), 0);
-    EXPECT_NE(info.st_mode & S_IRUSR, 0u);
-
-    write("[tervan]\r\n; note\r\nfreqSteps=50\r\n");
-    EXPECT_TRUE(WritePrivateProfileStringA("tervan", "freqStop", "100", path.c_str()));
-    EXPECT_EQ(contents(), "[tervan]\r\n; note\r\nfreqSteps=50\r\nfreqStop=100\r\n");
-
-    write("[tervan]\n; only a comment\n\n[b]\n");
-    EXPECT_TRUE(WritePrivateProfileStringA("tervan", "k", "v", path.c_str()));
-    EXPECT_EQ(contents(), "[tervan]\n; only a comment\nk=v\n\n[b]\n");
-    for (const auto &entry : fs::directory_iterator(folder))    /* no temporary file left */
-        EXPECT_EQ(entry.path().filename(), "tervan.ini");
 }
 
 TEST_F(Profile, WriteThatCannotBeDoneLeavesTheFileAndSaysWhy)

@@ -32,18 +32,23 @@ TEST(SettingsFile, EachLineKeepsItsOwnBreak)
         {"[tervan]\nA=1\r\n\r\n[other]\r\nk=v", "A", nullptr, "[tervan]\n\r\n[other]\r\nk=v\n"},
         /* a lone CR at the end of the file is no line break for the lines added after it */
         {"; note\r", "A", "1", "; note\n\n[tervan]\nA=1\n"},
+        /* a new file; a key added after the section's last line, before its blank ones */
+        {nullptr, "freqSteps", "50", "[tervan]\nfreqSteps=50\n"},
+        {"[tervan]\n; only a comment\n\n[b]\n", "k", "v", "[tervan]\n; only a comment\nk=v\n\n[b]\n"},
         /* values a reader would trim or unquote are stored in quotes, and read back whole */
         {"[tervan]\n", " A ", " 1 ", "[tervan]\nA=\" 1 \"\n"},
         {"[tervan]\n", "A", "'1'", "[tervan]\nA=\"'1'\"\n"},
     };
     TempDir dir;
     for (const Row &row : rows) {
-        writeFile(dir.file("tervan.ini"), row.before);
+        fs::remove(dir.file("tervan.ini"));
+        if (row.before)
+            writeFile(dir.file("tervan.ini"), row.before);
         EXPECT_TRUE(WritePrivateProfileStringA("tervan", row.key, row.value, dir.file("tervan.ini").c_str()));
-        EXPECT_EQ(readFile(dir.file("tervan.ini")), row.after) << row.before;
+        EXPECT_EQ(readFile(dir.file("tervan.ini")), row.after) << row.after;
         char value[64];
         GetPrivateProfileStringA("tervan", row.key, "-", value, sizeof value, dir.file("tervan.ini").c_str());
-        EXPECT_STREQ(value, row.value ? row.value : "-") << row.before;
+        EXPECT_STREQ(value, row.value ? row.value : "-") << row.after;
     }
 }
 
@@ -64,7 +69,7 @@ TEST(SettingsFile, LinkReadOnlyFileAndLeftoverTemporary)
     for (const auto &entry : fs::directory_iterator(dir.path))
         names.push_back(entry.path().filename());
     std::sort(names.begin(), names.end());
-    EXPECT_EQ(names, (std::vector<std::string>{"real.ini", "tervan.ini"}));
+    EXPECT_EQ(names, (std::vector<std::string>{"real.ini", "tervan.ini"})) << "no temporary file is left";
 
     ASSERT_EQ(chmod(target.c_str(), 0444), 0);
     EXPECT_FALSE(WritePrivateProfileStringA("tervan", "k", "2", link.c_str()));

@@ -1,7 +1,8 @@
 /*
 ** The draw command: the SVG picture of a diagram read back as XML: every block and port
 ** present with the ids and data attributes a program relies on, the selection and the
-** reference points marked, compound blocks framing their children.
+** reference points marked (those picked on the command line where given), compound
+** blocks framing their children.
 */
 #include <pugixml.hpp>
 
@@ -40,6 +41,8 @@ Box boxOf(const pugi::xml_node &group)
 
 struct PictureCase {
     const char *example;
+    const char *options;                /* points picked on the command line */
+    const char *announced;              /* what the run says about them */
     std::vector<std::string> blocks;    /* every block path, sorted */
     std::vector<std::string> selected;  /* sorted */
     std::string inputPoint, outputPoint;
@@ -49,8 +52,12 @@ struct PictureCase {
 TEST(DiagramPicture, ExamplesShowEveryBlockPortWireSelectionAndPoint)
 {
     const PictureCase cases[] = {
-        {"servo", {"amp", "ctrl", "err", "motor", "ref", "scope"}, {"amp", "ctrl", "motor"}, "ctrl.in1", "motor.out1", 11, 6},
-        {"pendulum_hanging",
+        {"servo", "", "", {"amp", "ctrl", "err", "motor", "ref", "scope"}, {"amp", "ctrl", "motor"}, "ctrl.in1",
+         "motor.out1", 11, 6},
+        /* the picked point is marked, not the file's own */
+        {"servo", " --output amp.out", "[host] reference points: input ctrl.1, output amp.out\n",
+         {"amp", "ctrl", "err", "motor", "ref", "scope"}, {"amp", "ctrl", "motor"}, "ctrl.in1", "amp.out1", 11, 6},
+        {"pendulum_hanging", "", "",
          {"angle", "pendulum", "pendulum/accel", "pendulum/damping", "pendulum/gOverL", "pendulum/gravity",
           "pendulum/omega", "pendulum/theta", "torque"},
          {"pendulum", "pendulum/accel", "pendulum/damping", "pendulum/gOverL", "pendulum/gravity", "pendulum/omega",
@@ -58,12 +65,12 @@ TEST(DiagramPicture, ExamplesShowEveryBlockPortWireSelectionAndPoint)
          "pendulum.in1", "pendulum.out1", 18, 11},
     };
     for (const PictureCase &c : cases) {
-        SCOPED_TRACE(c.example);
+        SCOPED_TRACE(std::string(c.example) + c.options);
         TempDir dir;
         RunResult run = runPraxa("--settings " + dir.file("tervan.ini") + " --out " + dir.path + " " +
-                                 examplePath(std::string(c.example) + ".json") + " draw");
+                                 examplePath(std::string(c.example) + ".json") + c.options + " draw");
         ASSERT_EQ(run.status, 0) << run.err;
-        EXPECT_EQ(run.out, "[draw] " + std::string(c.example) + ".svg\n");
+        EXPECT_EQ(run.out, c.announced + ("[draw] " + std::string(c.example) + ".svg\n"));
         pugi::xml_document doc;
         ASSERT_TRUE(doc.load_string(readFile(dir.file(std::string(c.example) + ".svg")).c_str()));
 

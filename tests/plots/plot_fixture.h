@@ -7,6 +7,7 @@
 #define TESTS_PLOT_FIXTURE_H
 
 #include <gtest/gtest.h>
+#include <pugixml.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -23,6 +24,16 @@
 #include "platform/driver.h"
 #include "shell/plot_output.h"
 #include "shell/settings.h"
+
+/* The texts of the elements of an SVG class, in document order. */
+inline std::vector<std::string> texts(const pugi::xml_document &doc, const char *cls)
+{
+    std::vector<std::string> all;
+    std::string query = std::string("//*[@class='") + cls + "']";
+    for (const auto &n : doc.select_nodes(query.c_str()))
+        all.push_back(n.node().child_value());
+    return all;
+}
 
 class PlotTest : public ::testing::Test {
 protected:

@@ -1,7 +1,8 @@
 /*
 ** What a person reads a plot for, drawn on it: -1 always in a Nyquist plot, the way the
-** curve runs, the poles, zeros and closed-loop poles of a root locus in a frame that
-** holds them, the crossovers of a Bode plot, tick labels on a flat curve.
+** curve runs, its circles at infinity set apart, the poles, zeros and closed-loop poles
+** of a root locus in a frame that holds them (and its break-in point), the crossovers of
+** a Bode plot, tick labels on a flat curve.
 */
 #include <pugixml.hpp>
 
@@ -25,13 +26,15 @@ std::string loopDiagram(const std::string &num, const std::string &den)
         "wires": [["u", "g"]], "selection": ["g"], "input": "g.in", "output": "g.out"})";
 }
 
-/* Runs one command on a diagram text and parses the plot file it names. */
+/* Runs one command (or a script of several lines) on a diagram text and parses the plot
+** file it names. */
 void runPlot(const std::string &diagram, const std::string &command, const std::string &file, pugi::xml_document &doc)
 {
     TempDir dir;
     testing_support::writeFile(dir.file("loop.json"), diagram);
+    testing_support::writeFile(dir.file("run.txt"), command + "\n");
     RunResult run = testing_support::runPraxa("--settings " + dir.file("tervan.ini") + " --out " + dir.path + " " +
-                                              dir.file("loop.json") + " " + command);
+                                              dir.file("loop.json") + " --script " + dir.file("run.txt"));
     ASSERT_EQ(run.status, 0) << run.err;
     ASSERT_NE(run.out.find("[plot] " + file + "\n"), std::string::npos) << run.out;
     ASSERT_TRUE(doc.load_string(testing_support::readFile(dir.file(file)).c_str()));
@@ -59,15 +62,6 @@ std::vector<Marker> markers(const pugi::xml_document &doc, const char *cls)
             found.push_back({(std::stod(m[1]) + std::stod(m[3])) / 2, (std::stod(m[2]) + std::stod(m[4])) / 2});
     }
     return found;
-}
-
-std::vector<std::string> texts(const pugi::xml_document &doc, const char *cls)
-{
-    std::vector<std::string> all;
-    std::string query = std::string("//*[@class='") + cls + "']";
-    for (const auto &n : doc.select_nodes(query.c_str()))
-        all.push_back(n.node().child_value());
-    return all;
 }
 
 TEST(PlotMarks, NyquistAlwaysShowsTheCriticalPointAndTheDirection)
@@ -151,6 +145,51 @@ TEST(PlotMarks, BodeMarksItsCrossoversFromTheCurves)
     ** - atan(0.12442) = -148.3 degrees, a phase margin of 31.7 degrees. */
     runPlot(loopDiagram("[20]", "[1, 11, 10, 0]"), "bode", "Bode-Magnitude.svg", doc);
     EXPECT_EQ(texts(doc, "crossover-label"), std::vector<std::string>{"0 dB at 1.24, phase margin 31.7 deg"});
+}
+
+TEST(PlotMarks, LocusThatRunsFarOutIsFramedOnItsBreakInPoint)
+{
+    /* (s + 20)/(s (s + 1)) over gains 0 ... 10000: the branches leave the real axis near 0,
+    ** circle the zero and meet again at the break-in point -20 - sqrt(380) = -39.49, then
+    ** one runs to -9981.  At K = 1 the closed-loop poles are -1 +- 4.36 j. */
+    pugi::xml_document doc;
+    runPlot(loopDiagram("[1, 20]", "[1, 1, 0]"), "rlocus-options --no-auto --start 0 --stop 10000 --steps 400\nrlocus",
+            "Root-Locus.svg", doc);
+    std::vector<double> xTicks;
+    for (const std::string &t : texts(doc, "x-tick"))
+        xTicks.push_back(std::stod(t));
+    ASSERT_FALSE(xTicks.empty());
+    EXPECT_LE(*std::min_element(xTicks.begin(), xTicks.end()), -39.49);
+    EXPECT_GT(*std::min_element(xTicks.begin(), xTicks.end()), -200.0);
+    EXPECT_GE(*std::max_element(xTicks.begin(), xTicks.end()), 0.0);
+    std::vector<Marker> closed = markers(doc, "closed-loop-pole");
+    ASSERT_EQ(closed.size(), 2u);
+    EXPECT_GT(std::fabs(closed[0].y - closed[1].y), 20.0);
+}
+
+TEST(PlotMarks, CirclesAtInfinityAreDrawnApartFromTheResponse)
+{
+    /* With the default 1000 frequencies a detour has 250 points on each side of the axis;
+    ** one around the origin has both halves (500).  The two half circles of 1/(s^2 + 1)
+    ** meet on the real axis in one vertex. */
+    const struct {
+        const char *den;
+        int closurePoints;              /* 0: no closure drawn */
+    } cases[] = {{"[1, 0]", 500}, {"[1, 1, 0]", 500}, {"[1, 0, 1]", 499}, {"[1, 1]", 0}};
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.den);
+        pugi::xml_document doc;
+        runPlot(loopDiagram("[1]", c.den), "nyquist", "Nyquist.svg", doc);
+        pugi::xml_node closure = doc.select_node("//path[@class='infinity-closure']").node();
+        bool named = doc.select_node("//text[@class='legend-entry'][text()='Closure at infinity']");
+        EXPECT_EQ(closure.attribute("data-points").as_int(), c.closurePoints);
+        EXPECT_EQ(named, c.closurePoints > 0);
+        if (c.closurePoints > 0) {
+            EXPECT_STRNE(closure.attribute("stroke-dasharray").value(), "");
+            EXPECT_STRNE(closure.attribute("stroke").value(),
+                         doc.select_node("//path[@class='trace']").node().attribute("stroke").value());
+        }
+    }
 }
 
 class FlatCurveTicks : public PlotTest {};

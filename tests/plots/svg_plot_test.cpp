@@ -27,15 +27,6 @@ std::vector<Vertex> vertices(const char *d)
     return points;
 }
 
-std::vector<std::string> textsOfClass(const pugi::xml_document &doc, const char *cls)
-{
-    std::vector<std::string> texts;
-    std::string query = std::string("//*[@class='") + cls + "']";
-    for (const auto &node : doc.select_nodes(query.c_str()))
-        texts.push_back(node.node().child_value());
-    return texts;
-}
-
 class SvgPlotTest : public PlotTest {
 protected:
     pugi::xml_document doc;
@@ -91,17 +82,17 @@ TEST_F(SvgPlotTest, BodeMagnitudeInDecibels)
     EXPECT_EQ(hostapp::plotFileName(block), "Bode-Magnitude.svg");
     parse("Bode-Magnitude.svg");
     EXPECT_STREQ(doc.child("svg").child_value("title"), "Bode-Magnitude1");
-    EXPECT_EQ(textsOfClass(doc, "title"), std::vector<std::string>{"Bode-Magnitude1"});
-    EXPECT_EQ(textsOfClass(doc, "x-label"), std::vector<std::string>{"Frequency, (Rad/sec)"});
-    EXPECT_EQ(textsOfClass(doc, "y-label"), std::vector<std::string>{"Magnitude (Decibels)"});
+    EXPECT_EQ(texts(doc, "title"), std::vector<std::string>{"Bode-Magnitude1"});
+    EXPECT_EQ(texts(doc, "x-label"), std::vector<std::string>{"Frequency, (Rad/sec)"});
+    EXPECT_EQ(texts(doc, "y-label"), std::vector<std::string>{"Magnitude (Decibels)"});
     /* The x axis runs over whole decades. */
-    EXPECT_EQ(textsOfClass(doc, "x-tick"), (std::vector<std::string>{"0.1", "1", "10", "100"}));
+    EXPECT_EQ(texts(doc, "x-tick"), (std::vector<std::string>{"0.1", "1", "10", "100"}));
     /* Ratios 0.00999 ... 0.995 round out to 0.001 ... 1, i.e. -60 ... 0 dB. */
-    std::vector<std::string> yTicks = textsOfClass(doc, "y-tick");
+    std::vector<std::string> yTicks = texts(doc, "y-tick");
     ASSERT_FALSE(yTicks.empty());
     EXPECT_EQ(yTicks.front(), "-60");
     EXPECT_EQ(yTicks.back(), "0");
-    EXPECT_EQ(textsOfClass(doc, "legend-entry"), std::vector<std::string>{"Magnitude"});
+    EXPECT_EQ(texts(doc, "legend-entry"), std::vector<std::string>{"Magnitude"});
 
     auto paths = traces();
     ASSERT_EQ(paths.size(), 1u);
@@ -140,7 +131,7 @@ TEST_F(SvgPlotTest, ZeroMagnitudeSaysWhyNothingIsDrawn)
     finishPlot(block, 1, 1, 0xFF);
     parse("Bode-Magnitude.svg");
     EXPECT_EQ(vertices(traces()[0].attribute("d").value()).size(), 0u);
-    EXPECT_EQ(textsOfClass(doc, "empty-note"),
+    EXPECT_EQ(texts(doc, "empty-note"),
               std::vector<std::string>{"No point of the curves falls on this scale"});
 }
 
@@ -157,16 +148,16 @@ TEST_F(SvgPlotTest, NyquistDrawsRealAgainstImaginary)
     HostBlock *block = nyquistPlot(re, im);
     finishPlot(block, 0, 0, 0);
     parse("Nyquist.svg");
-    EXPECT_EQ(textsOfClass(doc, "x-label"), std::vector<std::string>{"Real"});
-    EXPECT_EQ(textsOfClass(doc, "y-label"), std::vector<std::string>{"Imaginary"});
+    EXPECT_EQ(texts(doc, "x-label"), std::vector<std::string>{"Real"});
+    EXPECT_EQ(texts(doc, "y-label"), std::vector<std::string>{"Imaginary"});
     auto paths = traces();
     ASSERT_EQ(paths.size(), 1u);
     EXPECT_EQ(vertices(paths[0].attribute("d").value()).size(), 39u);
     /* Bounds: real 0.0384 ... 1 -> 0 ... 1, widened to hold -1 with room. */
     EXPECT_EQ(doc.select_nodes("//*[@class='critical-point']").size(), 1u);
     /* Log flags are off: tick labels are plain steps. */
-    EXPECT_EQ(textsOfClass(doc, "x-tick").front(), "-1.5");
-    EXPECT_EQ(textsOfClass(doc, "x-tick").back(), "1.0");
+    EXPECT_EQ(texts(doc, "x-tick").front(), "-1.5");
+    EXPECT_EQ(texts(doc, "x-tick").back(), "1.0");
 }
 
 TEST_F(SvgPlotTest, TitlesAreEscapedAndFileNamesSafe)
@@ -175,7 +166,7 @@ TEST_F(SvgPlotTest, TitlesAreEscapedAndFileNamesSafe)
     finishPlot(block, 1, 0, 0xFF);
     EXPECT_EQ(hostapp::plotFileName(block), "a-b.svg");
     parse("a-b.svg");
-    EXPECT_EQ(textsOfClass(doc, "title"), std::vector<std::string>{"a/b<&>\"0"});
+    EXPECT_EQ(texts(doc, "title"), std::vector<std::string>{"a/b<&>\"0"});
 }
 
 TEST_F(SvgPlotTest, UnwritableFolderIsReported)

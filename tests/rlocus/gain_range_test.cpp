@@ -1,6 +1,6 @@
 /*
-** The root finder and the automatic gain range: companion matrix, degree drop, box size,
-** the top gain found by doubling and bisection against hand-derived and LAPACK values.
+** The automatic gain range: the box size and the top gain found by doubling and
+** bisection, against hand-derived and LAPACK values.
 */
 #include "locus_fixture.h"
 
@@ -23,24 +23,6 @@ protected:
         endLocusRun();
     }
 };
-
-TEST_F(GainRange, RootsOfACubic)
-{
-    const double c[4] = {6, 11, 6, 1};
-    Matrix *W = matDecl(3, 3);
-    Complex roots[3];
-    ASSERT_EQ(polyRoots(roots, c, 3, W), 3);
-    std::vector<double> found;
-    for (Complex r : roots) {
-        EXPECT_NEAR(r.im, 0.0, 1e-12);
-        found.push_back(r.re);
-    }
-    std::sort(found.begin(), found.end());
-    EXPECT_NEAR(found[0], -3.0, 1e-12);
-    EXPECT_NEAR(found[1], -2.0, 1e-12);
-    EXPECT_NEAR(found[2], -1.0, 1e-12);
-    gfree(W);
-}
 
 TEST_F(GainRange, ThreePolesAtMinusOneLeaveTheBoxOfTwo)
 {

@@ -61,13 +61,13 @@ TEST(SettingsSessions, DialogsShowAndWriteTheSettings)
          "frequency-range --start 0.123456789 --stop 10 --steps 50", 0, {"[end] Bode Frequency Range: 1"},
          "[tervan]\nrlocSteps=50\nrlocAutoRange=0\nrlocStart=.123457\nrlocStop=10\n"
          "freqSteps=50\nfreqStart=.123457\nfreqStop=10\n"},
-        /* Every range key is read at the start: the gain range dialog shows the root locus
-        ** keys and writes back the frequency keys it read. */
+        /* Every range key is read at the start (the auto range against its default, on): the
+        ** gain range dialog shows the root locus keys and writes back the frequency keys it read. */
         {"hand-edited range keys",
-         "[tervan]\nfreqStart=2\nfreqStop=2000\nfreqSteps=300\nrlocStart=1.5\nrlocStop=7\nrlocSteps=9\nrlocAutoRange=1\n",
+         "[tervan]\nfreqStart=2\nfreqStop=2000\nfreqSteps=300\nrlocStart=1.5\nrlocStop=7\nrlocSteps=9\nrlocAutoRange=0\n",
          "rlocus-options", 0,
-         {"  edit 102 \"1.5\"", "  edit 103 \"7\"", "  edit 104 \"9\"", "  checkbox 1029 \"Auto Range\" [x]"},
-         "[tervan]\nfreqStart=2\nfreqStop=2000\nfreqSteps=300\nrlocStart=1.5\nrlocStop=7\nrlocSteps=9\nrlocAutoRange=1\n"},
+         {"  edit 102 \"1.5\"", "  edit 103 \"7\"", "  edit 104 \"9\"", "  checkbox 1029 \"Auto Range\" [ ]"},
+         "[tervan]\nfreqStart=2\nfreqStop=2000\nfreqSteps=300\nrlocStart=1.5\nrlocStop=7\nrlocSteps=9\nrlocAutoRange=0\n"},
         {"empty and missing keys leave the values alone", "[tervan]\nfreqStart=\nfreqStop=900\n", "rlocus-options", 0,
          {"  edit 102 \"103\"", "  checkbox 1029 \"Auto Range\" [x]"},
          "[tervan]\nfreqStart=.1\nfreqStop=900\nrlocSteps=102\nrlocAutoRange=1\nrlocStart=103\nrlocStop=104\nfreqSteps=50\n"},

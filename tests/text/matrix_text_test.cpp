@@ -45,7 +45,7 @@ protected:
         print();
         fileClose();
         linOutputChoice = LIN_OUTPUT_SCREEN;
-        return readFile(hostapp::outputPath("matrix_text.m"));
+        return testing_support::readFile(hostapp::outputPath("matrix_text.m"));
     }
 };
 
@@ -82,48 +82,36 @@ TEST_F(MatrixText, SmallShapesOnScreenAreOneMessageBoxEach)
         gfree(m);
 }
 
-TEST_F(MatrixText, IndentFollowsTheNameUpToEightBlanks)
+/* The indent follows the name up to eight blanks; a percent sign in the name is itself;
+** the result file gets the same text as the screen. */
+TEST_F(MatrixText, NamesOnScreenAndInTheFile)
 {
-    Matrix *m = fromRows(2, 3, {1, 2, 3, 4, 5, 6});
-    printMatrix("transfer = ", m);
-    printMatrix("x=", m);
-    printMatrix("", m);
-    printMatrix(nullptr, m);
-    std::vector<std::string> boxes = messageBoxTexts();
-    ASSERT_EQ(boxes.size(), 4u);
-    EXPECT_EQ(boxes[0], "transfer = [1 2 3 ;\n        4 5 6 ];\n");
-    EXPECT_EQ(boxes[1], "x=[1 2 3 ;\n  4 5 6 ];\n");
-    EXPECT_EQ(boxes[2], "[1 2 3 ;\n4 5 6 ];\n");
-    EXPECT_EQ(boxes[3], boxes[2]);
-    gfree(m);
-}
-
-TEST_F(MatrixText, PercentInTheNameIsShownAsItself)
-{
-    Matrix *m = fromRows(1, 1, {2});
-    printMatrix("%s%d = ", m);
-    ASSERT_EQ(messageBoxTexts().size(), 1u);
-    EXPECT_EQ(messageBoxTexts()[0], "%s%d = [2 ];\n");
-    std::string file = inFile([&] { printMatrix("%s = ", m); });
-    EXPECT_EQ(file, "%s = [2 ];\n");
-    gfree(m);
-}
-
-TEST_F(MatrixText, FileModeWritesTheSameText)
-{
-    Matrix *a = fromRows(2, 2, {1, 2, 3, 4});
-    Matrix *b = matDecl(2, 0);
-    b->data[0] = 0.25;
-    b->data[1] = -100;
-    std::string file = inFile([&] {
-        printMatrix("a = ", a);
-        printMatrix("b = ", b);
-        printMatrix("d = ", nullptr);
-    });
-    EXPECT_EQ(file, "a = [1 2 ;\n    3 4 ];\nb = [.25 -100 ];\nd = [];\n");
-    EXPECT_TRUE(messageBoxTexts().empty());
-    gfree(a);
-    gfree(b);
+    const struct {
+        const char *name;
+        uint32_t rows, cols;            /* cols 0: a vector of `rows` values */
+        std::vector<double> values;     /* row by row */
+        const char *text;
+    } rows[] = {
+        {"transfer = ", 2, 3, {1, 2, 3, 4, 5, 6}, "transfer = [1 2 3 ;\n        4 5 6 ];\n"},
+        {"x=", 2, 3, {1, 2, 3, 4, 5, 6}, "x=[1 2 3 ;\n  4 5 6 ];\n"},
+        {"", 2, 3, {1, 2, 3, 4, 5, 6}, "[1 2 3 ;\n4 5 6 ];\n"},
+        {nullptr, 2, 3, {1, 2, 3, 4, 5, 6}, "[1 2 3 ;\n4 5 6 ];\n"},
+        {"%s%d = ", 1, 1, {2}, "%s%d = [2 ];\n"},
+        {"a = ", 2, 2, {1, 2, 3, 4}, "a = [1 2 ;\n    3 4 ];\n"},
+        {"b = ", 2, 0, {0.25, -100}, "b = [.25 -100 ];\n"},
+    };
+    for (const auto &row : rows) {
+        Matrix *m = matDecl(row.rows, row.cols);
+        for (size_t k = 0; k < row.values.size(); k++)
+            m->data[row.cols ? (k % row.cols) * row.rows + k / row.cols : k] = row.values[k];
+        platform::clearTranscript();
+        printMatrix(row.name, m);
+        EXPECT_EQ(messageBoxTexts(), std::vector<std::string>{row.text});
+        EXPECT_EQ(inFile([&] { printMatrix(row.name, m); }), row.text);
+        EXPECT_EQ(messageBoxTexts().size(), 1u) << "file mode shows nothing";
+        gfree(m);
+    }
+    EXPECT_EQ(inFile([&] { printMatrix("d = ", nullptr); }), "d = [];\n");
 }
 
 TEST_F(MatrixText, ScreenTextLargerThanTheBufferIsSplitAtLineEnds)

@@ -13,49 +13,37 @@
 
 using namespace testing_text;
 
-TEST(NumberToText, TableAtPrecisionSix)
+TEST(NumberToText, TableOfPrecisions)
 {
-    PrecisionScope precision(6);
-    const struct { double value; const char *text; } table[] = {
-        {0.1, ".1"},                /* leading 0 removed */
-        {100, "100"},               /* trailing point removed */
-        {-0.5, "-.5"},              /* leading 0 after the sign removed */
-        {-0.25, "-.25"},
-        {0, "0"},                   /* "0." -> "." -> "" -> "0" */
-        {-0.0, "0"},
-        {1e10, "1e+010"},           /* point before the e removed */
-        {1.5e-7, "1.5e-007"},       /* exponent digits kept */
-        {-2e-20, "-2e-020"},
-        {1234567, "1.23457e+006"},
-        {2.5, "2.5"},
-        {10, "10"},
-        {0.01, ".01"},
-        {-100000, "-100000"},
-        {1.0 / 3.0, ".333333"},
-        {INFINITY, "inf"},
-        {NAN, "nan"},
+    const struct { int digits; double value; const char *text; } table[] = {
+        {6, 0.1, ".1"},             /* leading 0 removed */
+        {6, 100, "100"},            /* trailing point removed */
+        {6, -0.5, "-.5"},           /* leading 0 after the sign removed */
+        {6, -0.25, "-.25"},
+        {6, 0, "0"},                /* "0." -> "." -> "" -> "0" */
+        {6, -0.0, "0"},
+        {6, 1e10, "1e+010"},        /* point before the e removed */
+        {6, 1.5e-7, "1.5e-007"},    /* exponent digits kept */
+        {6, -2e-20, "-2e-020"},
+        {6, 1234567, "1.23457e+006"},
+        {6, 2.5, "2.5"},
+        {6, 10, "10"},
+        {6, 0.01, ".01"},
+        {6, -100000, "-100000"},
+        {6, 1.0 / 3.0, ".333333"},
+        {6, INFINITY, "inf"},
+        {6, NAN, "nan"},
+        {3, 3.14159, "3.14"},
+        {3, 0.0314159, ".0314"},
+        {3, 31415.9, "3.14e+004"},
+        {1, 0.96, "1"},
+        {1, -7.4, "-7"},
+        {15, 0.1 + 0.2, ".3"},
+        {15, -123456.789, "-123456.789"},
     };
-    for (const auto &row : table)
-        EXPECT_EQ(std::string(numberToText(row.value)), row.text) << row.value;
-}
-
-TEST(NumberToText, OtherPrecisions)
-{
-    {
-        PrecisionScope precision(3);
-        EXPECT_STREQ(numberToText(3.14159), "3.14");
-        EXPECT_STREQ(numberToText(0.0314159), ".0314");
-        EXPECT_STREQ(numberToText(31415.9), "3.14e+004");
-    }
-    {
-        PrecisionScope precision(1);
-        EXPECT_STREQ(numberToText(0.96), "1");
-        EXPECT_STREQ(numberToText(-7.4), "-7");
-    }
-    {
-        PrecisionScope precision(15);
-        EXPECT_STREQ(numberToText(0.1 + 0.2), ".3");
-        EXPECT_STREQ(numberToText(-123456.789), "-123456.789");
+    for (const auto &row : table) {
+        PrecisionScope precision(row.digits);
+        EXPECT_EQ(std::string(numberToText(row.value)), row.text) << row.value << " at " << row.digits;
     }
 }
 

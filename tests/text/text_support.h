@@ -34,14 +34,6 @@ struct PrecisionScope {
     ~PrecisionScope() { displayPrecision = saved; }
 };
 
-inline std::string readFile(const std::string &path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
-
 }
 
 #endif

@@ -1,11 +1,17 @@
 /*
 ** tests/xfer/model.h: state-space models for the transfer-function tests, built on
-** the host heap the way the linearizer leaves them (A n x n, B n x 1, C 1 x n, D 1 x 1).
+** the host heap the way the linearizer leaves them (A n x n, B n x 1, C 1 x n, D 1 x 1),
+** and the frequency response and random orthogonal matrices LAPACK gives for them.
 */
 #ifndef PRAXA_TESTS_XFER_MODEL_H
 #define PRAXA_TESTS_XFER_MODEL_H
 
+#include <gtest/gtest.h>
+#include <lapacke.h>
+
+#include <complex>
 #include <cstdint>
+#include <random>
 #include <vector>
 
 #include "host/host.h"
@@ -38,6 +44,37 @@ struct Model {
     Model &operator=(const Model &) = delete;
     ~Model() { gfree(A); gfree(B); gfree(C); gfree(D); }
 };
+
+/* C (sI - A)^-1 B + D by LAPACK. */
+inline std::complex<double> responseBySolve(const Model &m, std::complex<double> s)
+{
+    int n = m.n;
+    std::vector<std::complex<double>> M((size_t)n * n), x(n);
+    std::vector<lapack_int> pivots(n);
+    for (int j = 0; j < n; j++) {
+        for (int i = 0; i < n; i++)
+            M[(size_t)j * n + i] = (i == j ? s : 0.0) - element(m.A, i, j);
+        x[j] = element(m.B, j, 0);
+    }
+    EXPECT_EQ(LAPACKE_zgesv(LAPACK_COL_MAJOR, n, 1, (lapack_complex_double *)M.data(), n, pivots.data(),
+                            (lapack_complex_double *)x.data(), n), 0);
+    std::complex<double> y = element(m.D, 0, 0);
+    for (int j = 0; j < n; j++)
+        y += element(m.C, 0, j) * x[j];
+    return y;
+}
+
+/* A random orthogonal n x n matrix (row-major): the Q of a Gaussian matrix's QR. */
+inline std::vector<double> randomOrthogonal(std::mt19937_64 &rng, int n)
+{
+    std::normal_distribution<double> gauss;
+    std::vector<double> q((size_t)n * n), tau(n);
+    for (double &v : q)
+        v = gauss(rng);
+    EXPECT_EQ(LAPACKE_dgeqrf(LAPACK_ROW_MAJOR, n, n, q.data(), n, tau.data()), 0);
+    EXPECT_EQ(LAPACKE_dorgqr(LAPACK_ROW_MAJOR, n, n, n, q.data(), n, tau.data()), 0);
+    return q;
+}
 
 /* Controllable canonical form of N(s)/D(s): den = (d0, ..., d_{n-1}) of the monic
 ** denominator, num = (n0, ..., n_{n-1}) with deg N < n; ascending powers. */

@@ -25,37 +25,6 @@ using cplx = std::complex<double>;
 
 namespace {
 
-/* C (sI - A)^-1 B + D by LAPACK. */
-cplx responseBySolve(const Model &m, cplx s)
-{
-    int n = m.n;
-    std::vector<cplx> M((size_t)n * n), x(n);
-    std::vector<lapack_int> pivots(n);
-    for (int j = 0; j < n; j++) {
-        for (int i = 0; i < n; i++)
-            M[(size_t)j * n + i] = (i == j ? s : 0.0) - element(m.A, i, j);
-        x[j] = element(m.B, j, 0);
-    }
-    EXPECT_EQ(LAPACKE_zgesv(LAPACK_COL_MAJOR, n, 1, (lapack_complex_double *)M.data(), n, pivots.data(),
-                            (lapack_complex_double *)x.data(), n), 0);
-    cplx y = element(m.D, 0, 0);
-    for (int j = 0; j < n; j++)
-        y += element(m.C, 0, j) * x[j];
-    return y;
-}
-
-/* A random orthogonal n x n matrix (row-major): the Q of a Gaussian matrix's QR. */
-std::vector<double> randomOrthogonal(std::mt19937_64 &rng, int n)
-{
-    std::normal_distribution<double> gauss;
-    std::vector<double> q((size_t)n * n), tau(n);
-    for (double &v : q)
-        v = gauss(rng);
-    EXPECT_EQ(LAPACKE_dgeqrf(LAPACK_ROW_MAJOR, n, n, q.data(), n, tau.data()), 0);
-    EXPECT_EQ(LAPACKE_dorgqr(LAPACK_ROW_MAJOR, n, n, n, q.data(), n, tau.data()), 0);
-    return q;
-}
-
 /* Block-diagonal A0 with poles of real part -0.2 ... -5 (pairs with imaginary part up to
 ** 4), b0 Gaussian, c0 Gaussian made orthogonal to b0, A0 b0, ..., A0^(r-2) b0, so that
 ** the relative degree is r; then A = Q A0 Q^T, b = Q b0, c = c0 Q^T, c scaled by cScale. */

@@ -27,24 +27,6 @@ using cplx = std::complex<double>;
 
 namespace {
 
-/* C (sI - A)^-1 B + D by LAPACK's complex solve. */
-cplx responseBySolve(const Model &m, cplx s)
-{
-    int n = m.n, pivots[64], one = 1;
-    std::vector<cplx> M(n * n), x(n);
-    for (int i = 0; i < n; i++) {
-        for (int j = 0; j < n; j++)
-            M[j * n + i] = (i == j ? s : 0.0) - element(m.A, i, j);
-        x[i] = element(m.B, i, 0);
-    }
-    EXPECT_EQ(LAPACKE_zgesv(LAPACK_COL_MAJOR, n, one, reinterpret_cast<lapack_complex_double *>(M.data()), n,
-                            pivots, reinterpret_cast<lapack_complex_double *>(x.data()), n), 0);
-    cplx y = element(m.D, 0, 0);
-    for (int j = 0; j < n; j++)
-        y += element(m.C, 0, j) * x[j];
-    return y;
-}
-
 cplx polynomialAt(const double *ascending, int degree, cplx s)
 {
     cplx value = 0.0;
@@ -153,13 +135,7 @@ Model *randomModel(std::mt19937_64 &rng, int n, bool stable, bool feedThrough, b
                 i += 1;
             }
         }
-        /* Q orthogonal: the QR factor of a Gaussian matrix (row-major use of a column-major
-        ** Q only transposes it, which is orthogonal too). */
-        std::vector<double> q(n * n), tau(n);
-        for (double &x : q)
-            x = gauss(rng);
-        EXPECT_EQ(LAPACKE_dgeqrf(LAPACK_COL_MAJOR, n, n, q.data(), n, tau.data()), 0);
-        EXPECT_EQ(LAPACKE_dorgqr(LAPACK_COL_MAJOR, n, n, n, q.data(), n, tau.data()), 0);
+        std::vector<double> q = randomOrthogonal(rng, n);
         for (int i = 0; i < n; i++)
             for (int j = 0; j < n; j++) {
                 double sum = 0.0;

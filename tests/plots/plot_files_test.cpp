@@ -1,11 +1,16 @@
 /*
-** tests/plots/plot_data_test.cpp: the CSV beside each plot of the servo example
-** (L = 20/(s(s+1)(s+10))): headers with the units the plots show, and rows whose
-** numbers match the loop evaluated by hand at the row's own frequency or gain.
+** tests/plots/plot_files_test.cpp: the files a session writes beside its plots: one name
+** per plot, the same in every run and without blanks; a file that already holds the plot
+** left as it is (same inode) and one that differs replaced whole; and the CSV beside each
+** plot of the servo example (L = 20/(s(s+1)(s+10))), whose headers carry the units the
+** plots show and whose rows match the loop evaluated by hand at their own frequency or gain.
 */
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cmath>
 #include <complex>
+#include <regex>
 #include <sstream>
 
 #include <gtest/gtest.h>
@@ -44,7 +49,69 @@ std::string headerOf(const std::string &csv)
     return csv.substr(0, csv.find('\n'));
 }
 
+std::vector<std::string> plotLines(const std::string &transcript)
+{
+    std::vector<std::string> names;
+    std::regex line("\\[plot\\] (.*)\n");
+    for (auto it = std::sregex_iterator(transcript.begin(), transcript.end(), line); it != std::sregex_iterator(); ++it)
+        names.push_back((*it)[1]);
+    return names;
 }
+
+ino_t inodeOf(const std::string &path)
+{
+    struct stat info;
+    return stat(path.c_str(), &info) == 0 ? info.st_ino : 0;
+}
+
+}
+
+TEST(PlotFileNames, SamePlotSameNameInEveryRunWithoutBlanks)
+{
+    struct Case {
+        const char *script;
+        std::vector<std::string> files;
+    } cases[] = {
+        {"nyquist\n", {"Nyquist.svg"}},
+        {"rlocus\n", {"Root-Locus.svg"}},
+        {"bode\nnyquist\nrlocus\nnyquist\nrlocus\n",
+         {"Bode-Magnitude.svg", "Bode-Phase.svg", "Nyquist.svg", "Root-Locus.svg", "Nyquist-2.svg", "Root-Locus-2.svg"}},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.script);
+        TempDir dir;
+        writeFile(dir.file("session.txt"), c.script);
+        RunResult run = runPraxa("--settings " + dir.file("tervan.ini") + " --out " + dir.path + " --script " +
+                                 dir.file("session.txt") + " " + examplePath("servo.json"));
+        ASSERT_EQ(run.status, 0) << run.err;
+        EXPECT_EQ(plotLines(run.out), c.files);
+        for (const std::string &name : c.files)
+            EXPECT_TRUE(readFile(dir.file(name)).rfind("<?xml", 0) == 0) << name;
+    }
+}
+
+
+TEST(PlotFiles, AnUnchangedPlotIsLeftAsItIsAndAChangedOneIsReplaced)
+{
+    TempDir dir;
+    std::string run = "--settings " + dir.file("s.ini") + " --out " + dir.path + " " + examplePath("servo.json") + " bode";
+    std::string plot = dir.file("Bode-Phase.svg");
+    ASSERT_EQ(runPraxa(run).status, 0);
+    std::string first = readFile(plot);
+    ino_t inode = inodeOf(plot);
+    ASSERT_NE(inode, 0u);
+
+    ASSERT_EQ(runPraxa(run).status, 0);
+    EXPECT_EQ(inodeOf(plot), inode);
+
+    std::string altered = first;
+    altered[altered.size() / 2] ^= 1;
+    writeFile(plot, altered);
+    ASSERT_EQ(runPraxa(run).status, 0);
+    EXPECT_EQ(readFile(plot), first);
+    EXPECT_NE(inodeOf(plot), inode);
+}
+
 
 TEST(PlotData, EveryPlotOfTheServoHasItsNumbersBesideIt)
 {
