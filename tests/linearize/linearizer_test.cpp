@@ -22,77 +22,70 @@ protected:
     }
 };
 
-/* Servo: x = [amplifier, motor velocity state, motor position state], u = error, y = position.
-**   amp' = -10 amp + 2 u;  m1' = -m1 + 10 amp;  m2' = m1;  y = m2. */
-TEST_F(Linearizer, ServoGivesTheHandDerivedModel)
+/* Hand-derived models of the examples and of small diagrams, each with the period the run
+** gives and the one message it shows (if any); the diagram's values are as they were. */
+TEST_F(Linearizer, DiagramsGiveTheirHandDerivedModels)
 {
-    loadExample("servo.json");
-    double period = -1;
-    ASSERT_EQ(linearize(&period), 1);
-    EXPECT_EQ(period, 0.0);
-    expectMatrix(stateSpaceModel.A, 3, 3, {-10, 0, 0, 10, -1, 0, 0, 1, 0});
-    expectMatrix(stateSpaceModel.B, 3, 1, {2, 0, 0});
-    expectMatrix(stateSpaceModel.C, 1, 3, {0, 0, 1});
-    expectMatrix(stateSpaceModel.D, 1, 1, {0});
-    EXPECT_TRUE(messages().empty()) << platform::transcriptText();
-}
-
-/* theta'' = u - 0.5 theta' - 9.81 sin(theta): A = [[0, 1], [-+9.81, -0.5]] at theta = 0 / pi. */
-TEST_F(Linearizer, PendulumHangingAndInverted)
-{
-    for (auto [file, a21] : {std::pair{"pendulum_hanging.json", -9.81}, std::pair{"pendulum_inverted.json", 9.81}}) {
-        SCOPED_TRACE(file);
-        loadExample(file);
-        double period = -1;
-        ASSERT_EQ(linearize(&period), 1);
-        expectMatrix(stateSpaceModel.A, 2, 2, {0, 1, a21, -0.5}, 1e-6);
-        expectMatrix(stateSpaceModel.B, 2, 1, {0, 1}, 1e-9);
-        expectMatrix(stateSpaceModel.C, 1, 2, {1, 0}, 1e-6);
-        expectMatrix(stateSpaceModel.D, 1, 1, {0});
-    }
-}
-
-/* Controller (0.5 z - 0.4)/(z - 1): c+ = c + e, v = 0.1 c + 0.5 e; plant p+ = 0.9048 p + v,
-** y = 0.09516 p.  Both sampled at 0.1 s. */
-TEST_F(Linearizer, SampledLoopGivesTheDiscreteModelAndItsPeriod)
-{
-    loadExample("sampled_loop.json");
-    double period = -1;
-    ASSERT_EQ(linearize(&period), 1);
-    EXPECT_EQ(period, 0.1);
-    double pole = std::exp(-0.1);
-    expectMatrix(stateSpaceModel.A, 2, 2, {1, 0, 0.1, pole});
-    expectMatrix(stateSpaceModel.B, 2, 1, {1, 0.5});
-    expectMatrix(stateSpaceModel.C, 1, 2, {0, 1 - pole});
-    expectMatrix(stateSpaceModel.D, 1, 1, {0});
-    EXPECT_TRUE(messages().empty()) << platform::transcriptText();
-}
-
-TEST_F(Linearizer, DirectFeedthroughAndAModelWithoutStates)
-{
-    /* lead (s + 2)/(s + 1): x' = -x + u, y = x + u; gain block 3/2 as a transfer function of degree 0. */
-    loadWithReferences(R"({"blocks": [{"id": "src", "type": "constant", "value": 0.5},
+    const double pole = std::exp(-0.1);
+    const std::string lead = R"({"blocks": [{"id": "src", "type": "constant", "value": 0.5},
         {"id": "lead", "type": "transferFunction", "num": [1, 2], "den": [1, 1]},
         {"id": "flat", "type": "transferFunction", "num": [3], "den": [2]}],
         "wires": [["src", "lead"], ["src", "flat"]],
-        "selection": ["lead"], "input": "lead.in", "output": "lead.out"})");
-    double period = -1;
-    ASSERT_EQ(linearize(&period), 1);
-    expectMatrix(stateSpaceModel.A, 1, 1, {-1});
-    expectMatrix(stateSpaceModel.B, 1, 1, {1});
-    expectMatrix(stateSpaceModel.C, 1, 1, {1});
-    expectMatrix(stateSpaceModel.D, 1, 1, {1});
-
-    loadWithReferences(R"({"blocks": [{"id": "src", "type": "constant", "value": 0.5},
-        {"id": "flat", "type": "transferFunction", "num": [3], "den": [2]}],
-        "wires": [["src", "flat"]], "input": "flat.in", "output": "flat.out", "selection": ["flat"]})");
-    ASSERT_EQ(linearize(&period), 1);
-    expectMatrix(stateSpaceModel.A, 0, 0, {});
-    expectMatrix(stateSpaceModel.C, 1, 0, {});
-    expectMatrix(stateSpaceModel.D, 1, 1, {1.5});
-    /* 1 by 0 reads as a vector of one element, which the result file shows: 0, not the
-    ** previous model's 1. */
-    EXPECT_EQ(stateSpaceModel.C->data[0], 0.0);
+        "selection": ["lead"], "input": "lead.in", "output": "lead.out"})";
+    struct Row {
+        const char *name;
+        std::string diagram;            /* an example's name, or the diagram's text */
+        double period, tolerance;
+        std::vector<double> a, b, c, d;
+        const char *message;
+    } rows[] = {
+        /* x = [amplifier, motor velocity state, motor position state], u = error, y = position:
+        ** amp' = -10 amp + 2 u;  m1' = -m1 + 10 amp;  m2' = m1;  y = m2. */
+        {"servo", "servo.json", 0.0, 1e-8, {-10, 0, 0, 10, -1, 0, 0, 1, 0}, {2, 0, 0}, {0, 0, 1}, {0}, nullptr},
+        /* theta'' = u - 0.5 theta' - 9.81 sin(theta): A = [[0, 1], [-+9.81, -0.5]] at theta = 0 / pi. */
+        {"pendulum hanging", "pendulum_hanging.json", 0.0, 1e-6, {0, 1, -9.81, -0.5}, {0, 1}, {1, 0}, {0}, nullptr},
+        {"pendulum inverted", "pendulum_inverted.json", 0.0, 1e-6, {0, 1, 9.81, -0.5}, {0, 1}, {1, 0}, {0}, nullptr},
+        /* Controller (0.5 z - 0.4)/(z - 1): c+ = c + e, v = 0.1 c + 0.5 e; plant p+ = 0.9048 p + v,
+        ** y = 0.09516 p.  Both sampled at 0.1 s. */
+        {"sampled loop", "sampled_loop.json", 0.1, 1e-8, {1, 0, 0.1, pole}, {1, 0.5}, {0, 1 - pole}, {0}, nullptr},
+        /* lead (s + 2)/(s + 1): x' = -x + u, y = x + u */
+        {"direct feedthrough", lead, 0.0, 1e-8, {-1}, {1}, {1}, {1}, nullptr},
+        /* 3/2 as a transfer function of degree 0; C, 1 by 0, reads as a vector of one element,
+        ** which the result file shows: 0, not the previous row's 1. */
+        {"no states", R"({"blocks": [{"id": "src", "type": "constant", "value": 0.5},
+            {"id": "flat", "type": "transferFunction", "num": [3], "den": [2]}],
+            "wires": [["src", "flat"]], "input": "flat.in", "output": "flat.out", "selection": ["flat"]})",
+         0.0, 1e-8, {}, {}, {0}, {1.5}, nullptr},
+        {"matrix input on its first element",
+         R"({"blocks": [{"id": "src", "type": "constant", "value": 1, "dataType": "matrix"},
+            {"id": "x", "type": "transferFunction", "num": [3], "den": [1, 2]}],
+            "wires": [["src", "x"]], "selection": ["x"], "input": "x.in", "output": "x.out"})",
+         0.0, 1e-8, {-2}, {1}, {3}, {0},
+         "[Tervan Debug] Warning, linearizing with respect to the first matrix element only."},
+    };
+    for (const Row &row : rows) {
+        SCOPED_TRACE(row.name);
+        if (row.diagram.front() == '{')
+            loadWithReferences(row.diagram);
+        else
+            loadExample(row.diagram);
+        platform::clearTranscript();
+        std::vector<double> before = hostapp::diagramValues();
+        double period = -1;
+        ASSERT_EQ(linearize(&period), 1);
+        EXPECT_EQ(period, row.period);
+        uint32_t n = (uint32_t)row.b.size();
+        expectMatrix(stateSpaceModel.A, n, n, row.a, row.tolerance);
+        if (n > 0)
+            expectMatrix(stateSpaceModel.B, n, 1, row.b, row.tolerance);
+        expectMatrix(stateSpaceModel.C, 1, n, row.c, row.tolerance);
+        if (n == 0) {
+            EXPECT_EQ(stateSpaceModel.C->data[0], row.c[0]);
+        }
+        expectMatrix(stateSpaceModel.D, 1, 1, row.d, row.tolerance);
+        EXPECT_EQ(messages(), row.message ? std::vector<std::string>{row.message} : std::vector<std::string>{});
+        EXPECT_EQ(hostapp::diagramValues(), before);
+    }
 }
 
 TEST_F(Linearizer, InputIsRaisedLoweredAndRestoredAndTheDiagramIsLeftAsItWas)
@@ -156,54 +149,40 @@ TEST_F(Linearizer, WithoutReferencePointsTheFirstVisitedOnesAreTakenAndHighlight
     EXPECT_EQ(inputRefList.count, 1u);
 }
 
-TEST_F(Linearizer, NoBlocksWithStateEvenWithBothReferences)
+/* Runs that stop: the message, the period untouched, the servo's model kept. */
+TEST_F(Linearizer, StoppedRunsSayWhyAndKeepThePreviousModel)
 {
-    loadWithReferences(R"({"blocks": [{"id": "src", "type": "constant", "value": 1},
-        {"id": "k1", "type": "gain", "gain": 2}, {"id": "k2", "type": "gain", "gain": 3}],
-        "wires": [["src", "k1"], ["k1", "k2"]], "selection": ["k1", "k2"], "input": "k1.in", "output": "k2.out"})");
-    ASSERT_EQ(outputRefList.count, 1u);
-    ASSERT_EQ(inputRefList.count, 1u);
-    double period = -7;
-    EXPECT_EQ(linearize(&period), 0);
-    EXPECT_EQ(period, -7);
-    EXPECT_EQ(messages(), std::vector<std::string>{"[Tervan] No blocks with state in selection"});
-}
-
-TEST_F(Linearizer, NoInputReferenceWhenTheSourceIsSelected)
-{
-    loadWithReferences(R"({"blocks": [{"id": "src", "type": "step", "value": 1}, {"id": "x", "type": "integrator"},
-        {"id": "scope", "type": "plot"}], "wires": [["src", "x"], ["x", "scope"]], "selection": ["src", "x"]})");
-    double period = 0;
-    EXPECT_EQ(linearize(&period), 0);
-    EXPECT_EQ(messages(), std::vector<std::string>{"[Tervan] No input reference block."});
-    EXPECT_TRUE(highlighted("x.out"));
-}
-
-TEST_F(Linearizer, MatrixInputIsLinearizedOnItsFirstElement)
-{
-    loadWithReferences(R"({"blocks": [{"id": "src", "type": "constant", "value": 1, "dataType": "matrix"},
-        {"id": "x", "type": "transferFunction", "num": [3], "den": [1, 2]}],
-        "wires": [["src", "x"]], "selection": ["x"], "input": "x.in", "output": "x.out"})");
-    std::vector<double> before = hostapp::diagramValues();
-    double period = -1;
-    ASSERT_EQ(linearize(&period), 1);
-    EXPECT_EQ(messages(), std::vector<std::string>{
-                              "[Tervan Debug] Warning, linearizing with respect to the first matrix element only."});
-    expectMatrix(stateSpaceModel.A, 1, 1, {-2});
-    expectMatrix(stateSpaceModel.B, 1, 1, {1});
-    expectMatrix(stateSpaceModel.C, 1, 1, {3});
-    EXPECT_EQ(hostapp::diagramValues(), before);
-}
-
-TEST_F(Linearizer, FailedRunKeepsThePreviousModel)
-{
-    loadExample("servo.json");
-    double period = 0;
-    ASSERT_EQ(linearize(&period), 1);
-    loadWithReferences(R"({"blocks": [{"id": "src", "type": "constant", "value": 1},
-        {"id": "k1", "type": "gain", "gain": 2}], "wires": [["src", "k1"]]})");
-    EXPECT_EQ(linearize(&period), 0);
-    expectMatrix(stateSpaceModel.A, 3, 3, {-10, 0, 0, 10, -1, 0, 0, 1, 0});
+    const struct {
+        const char *diagram, *message, *highlighted;
+    } rows[] = {
+        /* both points given, but only gains selected */
+        {R"({"blocks": [{"id": "src", "type": "constant", "value": 1},
+            {"id": "k1", "type": "gain", "gain": 2}, {"id": "k2", "type": "gain", "gain": 3}],
+            "wires": [["src", "k1"], ["k1", "k2"]], "selection": ["k1", "k2"], "input": "k1.in", "output": "k2.out"})",
+         "[Tervan] No blocks with state in selection", nullptr},
+        {R"({"blocks": [{"id": "src", "type": "constant", "value": 1},
+            {"id": "k1", "type": "gain", "gain": 2}], "wires": [["src", "k1"]]})",
+         "[Tervan] No blocks with state in selection", nullptr},
+        /* the source is selected: the output is found and highlighted, no input */
+        {R"({"blocks": [{"id": "src", "type": "step", "value": 1}, {"id": "x", "type": "integrator"},
+            {"id": "scope", "type": "plot"}], "wires": [["src", "x"], ["x", "scope"]], "selection": ["src", "x"]})",
+         "[Tervan] No input reference block.", "x.out"},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.diagram);
+        loadExample("servo.json");
+        double period = -7;
+        ASSERT_EQ(linearize(&period), 1);
+        loadWithReferences(row.diagram);
+        period = -7;
+        EXPECT_EQ(linearize(&period), 0);
+        EXPECT_EQ(period, -7);
+        EXPECT_EQ(messages(), std::vector<std::string>{row.message});
+        if (row.highlighted) {
+            EXPECT_TRUE(highlighted(row.highlighted));
+        }
+        expectMatrix(stateSpaceModel.A, 3, 3, {-10, 0, 0, 10, -1, 0, 0, 1, 0});
+    }
 }
 
 }
