@@ -68,28 +68,21 @@ TEST(CompensatorBlock, TheDesignHandedOverIsAnalysedAndSavedInTheBlock)
 
 TEST(CompensatorBlock, WithoutOkOrWithoutABlockNothingIsKeptAndTheUserIsToldHow)
 {
-    TempDir dir;
-    std::string common = "--settings " + dir.file("s.ini") + " --out " + dir.path + " " + examplePath("servo.json");
-    RunResult run = runPraxa(common + " compensator --gain 2");
-    EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_FALSE(has(run.out, "[refused]")) << run.out;
-    EXPECT_TRUE(has(run.out, "  > cancel\n[end] Compensator Design: 2\n[host] the compensator design was not handed "
-                             "over: add --ok to the compensator options (in a script: click 1) to hand it over\n"))
-        << run.out;
-
-    run = runPraxa(common + " compensator --gain 2 --ok");
-    EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_TRUE(has(run.out, "[host] the diagram has no compensator block, so the design is not kept: add a block of "
-                             "type \"compensator\" to the diagram to receive it\n"))
-        << run.out;
-
-    /* A design the block cannot take leaves it as it was. */
-    writeFile(dir.file("servo.json"), COMPENSATED_SERVO);
-    run = runPraxa("--settings " + dir.file("s.ini") + " --out " + dir.path + " " + dir.file("servo.json") +
-                   " compensator --add-zero -1 --add-zero -2 --ok");
-    EXPECT_TRUE(has(run.out, "[host] compensator block 'comp' not updated: 2 zeros but 0 poles make an improper "
-                             "compensator; add a pole for each zero beyond the poles\n"))
-        << run.out;
+    const Session sessions[] = {
+        {"without OK", {}, "{examples}servo.json compensator --gain 2", 0,
+         {"  > cancel", "[end] Compensator Design: 2", "[host] the compensator design was not handed over: add --ok "
+          "to the compensator options (in a script: click 1) to hand it over"}, ""},
+        {"without a block", {}, "{examples}servo.json compensator --gain 2 --ok", 0,
+         {"[host] the diagram has no compensator block, so the design is not kept: add a block of type "
+          "\"compensator\" to the diagram to receive it"}, ""},
+        /* A design the block cannot take leaves it as it was. */
+        {"an improper design", {{"servo.json", COMPENSATED_SERVO}},
+         "{dir}/servo.json compensator --add-zero -1 --add-zero -2 --ok --save", 0,
+         {"[host] compensator block 'comp' not updated: 2 zeros but 0 poles make an improper compensator; add a "
+          "pole for each zero beyond the poles"}, nullptr, {{"servo.json", COMPENSATED_SERVO}}},
+    };
+    for (const Session &session : sessions)
+        expectSession(session);
 }
 
 }

@@ -27,7 +27,7 @@ TEST(CompensatorCommand, SessionsOnTheServo)
           "\"compensator\" to the diagram to receive it"},
          ""},
         /* A lag compensator, then the dialog reopened with it and left with Cancel: nothing
-        ** handed over the second time, and nothing drawn without Replot. */
+        ** drawn without Replot. */
         {"the record is kept for the next invocation of a script",
          {{"design.txt", "compensator\n  type 1023 2.5\n  type 1021 -0.1\n  click 303\n  type 1020 -0.01\n"
                          "  click 303\n  click 1\ncompensator\n  cancel\n"}},
@@ -35,21 +35,11 @@ TEST(CompensatorCommand, SessionsOnTheServo)
          {"[compensator] gain 2.5 zeros (-0.1,0) poles (-0.01,0)", "[dialog] Compensator Design",
           "  listbox 107: \"(-.1,0)\"", "  listbox 108: \"(-.01,0)\"", "  edit 1023 \"2.5\"",
           "[end] Compensator Design: 2"},
-         ""},
+         "", {{"Bode-Phase.svg", nullptr}, {"Root-Locus.svg", nullptr}}},
     };
     for (const Session &session : sessions)
         expectSession(session);
 
-    TempDir dir;
-    RunResult run = runPraxa("--settings " + dir.file("t.ini") + " --out " + dir.path + " " + examplePath("servo.json") +
-                             " compensator --gain 10 --add-zero -1 --replot --ok");
-    EXPECT_NE(readFile(dir.file("Root-Locus.svg")).find("Root Locus-1"), std::string::npos);
-    writeFile(dir.file("again.txt"), "compensator\n  click 1\ncompensator\n  cancel\n");
-    run = runPraxa("--settings " + dir.file("t.ini") + " --out " + dir.path + " --script " + dir.file("again.txt") +
-                   " " + examplePath("servo.json"));
-    size_t reopened = run.out.rfind("[dialog] Compensator Design");
-    EXPECT_EQ(run.out.find("[compensator]", reopened), std::string::npos) << "Cancel hands nothing over";
-    EXPECT_EQ(run.out.find("[plot]"), std::string::npos) << "nothing is drawn without Replot";
 }
 
 }

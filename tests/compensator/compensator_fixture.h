@@ -38,6 +38,16 @@ inline void type(int control, const std::string &text)
 }
 inline void click(int control) { platform::queueDialogAction(DialogAction{DIALOG, ActionKind::Click, control, "", 0}); }
 
+/* The lead K (s + 1)/(s + 10): gain K, zero -1, pole -10, typed and added. */
+inline void queueLead(const std::string &gain)
+{
+    type(IDC_COMP_GAIN, gain);
+    type(IDC_COMP_ZERO_EDIT, "-1");
+    click(IDC_COMP_ADD);
+    type(IDC_COMP_POLE_EDIT, "-10");
+    click(IDC_COMP_ADD);
+}
+
 /* The lists as the dialog held them when OK or Cancel was pressed, with their selections. */
 struct ListState {
     std::vector<std::string> entries;
@@ -148,6 +158,22 @@ protected:
         return result;
     }
 };
+
+/* The points of a plot's first trace, and point `step` of root locus branch `branch`. */
+inline std::vector<double> tracePoints(HostBlock *plot)
+{
+    const PlotTrace &t = plotRecordOf(plot)->traces[0];
+    const double *values = (const double *)t.points.items;
+    return values ? std::vector<double>(values, values + t.points.count) : std::vector<double>{};
+}
+
+inline Complex branchPoint(HostBlock *plot, int branch, int step)
+{
+    PlotRecord *record = plotRecordOf(plot);
+    auto *x = (PlotPointBuffer *)tervanRequest(TERVAN_REQ_PLOT_BUFFER, (intptr_t)record, branch * 256);
+    auto *y = (PlotPointBuffer *)tervanRequest(TERVAN_REQ_PLOT_BUFFER, (intptr_t)record, branch * 256 + 1);
+    return {x->values[step], y->values[step]};
+}
 
 /* Transcript helpers. */
 inline const std::vector<std::string> &lines() { return platform::transcript(); }

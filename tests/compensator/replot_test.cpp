@@ -21,24 +21,6 @@ double gridPoint(int k, int n, double start, double stop)
     return std::pow(10.0, std::log10(start) + (k - 1) * step);
 }
 
-std::vector<double> tracePoints(HostBlock *plot)
-{
-    const PlotTrace &t = plotRecordOf(plot)->traces[0];
-    const double *values = (const double *)t.points.items;
-    std::vector<double> result;
-    for (uint32_t i = 0; values && i < t.points.count; i++)
-        result.push_back(values[i]);
-    return result;
-}
-
-Complex branchPoint(HostBlock *plot, int branch, int step)
-{
-    PlotRecord *record = plotRecordOf(plot);
-    auto *x = (PlotPointBuffer *)tervanRequest(TERVAN_REQ_PLOT_BUFFER, (intptr_t)record, branch * 256);
-    auto *y = (PlotPointBuffer *)tervanRequest(TERVAN_REQ_PLOT_BUFFER, (intptr_t)record, branch * 256 + 1);
-    return {x->values[step], y->values[step]};
-}
-
 /* The text of a message box line, whatever its caption. */
 int messageLine(const std::string &text)
 {
@@ -53,21 +35,12 @@ int messageLine(const std::string &text)
 
 int marginDialogs() { return countLines("[dialog] Phase and Gain Margins"); }
 
-/* Zero -1, pole -10, gain 10 on the plant 1/(s (s + 1)). */
-void queueLeadExample()
-{
-    type(IDC_COMP_GAIN, "10");
-    type(IDC_COMP_ZERO_EDIT, "-1");
-    click(IDC_COMP_ADD);
-    type(IDC_COMP_POLE_EDIT, "-10");
-    click(IDC_COMP_ADD);
-}
 
 }
 
 TEST_F(CompensatorTest, ReplotDrawsTheLoopsBodePlotsAndThreeBranchRootLocus)
 {
-    queueLeadExample();
+    queueLead("10");
     click(IDC_COMP_REPLOT);
     click(IDOK);
     double plantGain = 0.0;
@@ -121,7 +94,7 @@ TEST_F(CompensatorTest, ReplotDrawsTheLoopsBodePlotsAndThreeBranchRootLocus)
 
 TEST_F(CompensatorTest, ReplotReusesItsPlotsWhateverTheReuseSettingAndTheLocusFollowsThePoleCount)
 {
-    queueLeadExample();
+    queueLead("10");
     click(IDC_COMP_REPLOT);
     type(IDC_COMP_POLE_EDIT, "-20");
     click(IDC_COMP_ADD);
@@ -148,7 +121,7 @@ TEST_F(CompensatorTest, ReplotReusesItsPlotsWhateverTheReuseSettingAndTheLocusFo
 
 TEST_F(CompensatorTest, AfterReplotAndCancelTheDialogReopensWithTheListsAsReplotReadThem)
 {
-    queueLeadExample();
+    queueLead("10");
     click(IDC_COMP_REPLOT);
     type(IDC_COMP_POLE_EDIT, "-30");    /* added after the Replot: not read */
     click(IDC_COMP_ADD);
