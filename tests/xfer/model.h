@@ -76,6 +76,79 @@ inline std::vector<double> randomOrthogonal(std::mt19937_64 &rng, int n)
     return q;
 }
 
+/* Block-diagonal A0 with poles of real part -0.2 ... -5 (+0.2 ... +5 when unstable; pairs
+** with imaginary part up to 4), b0 Gaussian, c0 Gaussian made orthogonal to b0, A0 b0, ...,
+** A0^(r-2) b0, so that the relative degree is r; then A = Q A0 Q^T, b = Q b0, c = c0 Q^T,
+** c scaled by cScale: poles perfectly conditioned, as a linearization may leave them turned. */
+inline Model *realization(std::mt19937_64 &rng, int n, int r, double cScale, bool unstable = false, double d = 0.0)
+{
+    std::normal_distribution<double> gauss;
+    std::uniform_real_distribution<double> decay(0.2, 5.0), frequency(0.3, 4.0);
+    std::vector<double> a0((size_t)n * n, 0.0), b0(n), c0(n);
+    for (int i = 0; i < n;) {
+        if (i + 1 < n && gauss(rng) > 0.0) {
+            double sigma = (unstable ? 1 : -1) * decay(rng), omega = frequency(rng);
+            a0[i * n + i] = a0[(i + 1) * n + i + 1] = sigma;
+            a0[i * n + i + 1] = omega;
+            a0[(i + 1) * n + i] = -omega;
+            i += 2;
+        } else {
+            a0[i * n + i] = (unstable ? 1 : -1) * decay(rng);
+            i++;
+        }
+    }
+    for (double &v : b0)
+        v = gauss(rng);
+    for (double &v : c0)
+        v = gauss(rng);
+    /* Orthonormal basis of the Krylov vectors, then c0 minus its projection on it. */
+    std::vector<std::vector<double>> basis;
+    std::vector<double> v = b0;
+    for (int k = 0; k + 1 < r; k++) {
+        std::vector<double> w = v;
+        for (const auto &e : basis) {
+            double dot = 0.0;
+            for (int i = 0; i < n; i++)
+                dot += w[i] * e[i];
+            for (int i = 0; i < n; i++)
+                w[i] -= dot * e[i];
+        }
+        double norm = 0.0;
+        for (double x : w)
+            norm += x * x;
+        for (double &x : w)
+            x /= std::sqrt(norm);
+        basis.push_back(w);
+        std::vector<double> next(n, 0.0);
+        for (int i = 0; i < n; i++)
+            for (int j = 0; j < n; j++)
+                next[i] += a0[i * n + j] * v[j];
+        v = next;
+    }
+    for (int pass = 0; pass < 2; pass++)        /* twice, for an orthogonality to rounding */
+        for (const auto &e : basis) {
+            double dot = 0.0;
+            for (int i = 0; i < n; i++)
+                dot += c0[i] * e[i];
+            for (int i = 0; i < n; i++)
+                c0[i] -= dot * e[i];
+        }
+    std::vector<double> q = randomOrthogonal(rng, n), a((size_t)n * n, 0.0), qa((size_t)n * n, 0.0),
+                        b(n, 0.0), c(n, 0.0);
+    for (int i = 0; i < n; i++)
+        for (int k = 0; k < n; k++) {
+            b[i] += q[i * n + k] * b0[k];
+            c[i] += cScale * c0[k] * q[i * n + k];
+            for (int j = 0; j < n; j++)
+                qa[i * n + j] += q[i * n + k] * a0[k * n + j];
+        }
+    for (int i = 0; i < n; i++)
+        for (int j = 0; j < n; j++)
+            for (int k = 0; k < n; k++)
+                a[i * n + j] += qa[i * n + k] * q[j * n + k];
+    return new Model(n, a, b, c, d);
+}
+
 /* Controllable canonical form of N(s)/D(s): den = (d0, ..., d_{n-1}) of the monic
 ** denominator, num = (n0, ..., n_{n-1}) with deg N < n; ascending powers. */
 inline Model *controllableForm(const std::vector<double> &num, const std::vector<double> &den)

@@ -107,50 +107,25 @@ Roots lapackZeros(const Model &m)
 }
 
 /* Random model of the given order.  Dense: Gaussian entries, shifted to place the spectrum
-** left (stable) or right (unstable) of the axis.  Normal: A = Q L Q^T with Q orthogonal and
-** L block diagonal with real poles and complex pairs, so the poles are perfectly conditioned. */
+** left (stable) or right (unstable) of the axis.  Otherwise a turned block-diagonal
+** realization of relative degree 1, whose poles are perfectly conditioned. */
 Model *randomModel(std::mt19937_64 &rng, int n, bool stable, bool feedThrough, bool dense)
 {
     std::normal_distribution<double> gauss(0.0, 1.0);
-    std::uniform_real_distribution<double> uniform(0.2, 3.0);
-    std::vector<double> a(n * n, 0.0);
-    if (dense) {
-        for (double &x : a)
-            x = gauss(rng);
-        double shift = std::sqrt((double)n) + 0.5;
-        for (int i = 0; i < n; i++)
-            a[i * n + i] += stable ? -shift : shift;
-    } else {
-        std::vector<double> block(n * n, 0.0);
-        double sign = stable ? -1.0 : 1.0;
-        for (int i = 0; i < n;) {
-            if (i + 1 < n && gauss(rng) > 0.0) {
-                double sigma = sign * uniform(rng), omega = uniform(rng);
-                block[i * n + i] = block[(i + 1) * n + i + 1] = sigma;
-                block[i * n + i + 1] = omega;
-                block[(i + 1) * n + i] = -omega;
-                i += 2;
-            } else {
-                block[i * n + i] = sign * uniform(rng);
-                i += 1;
-            }
-        }
-        std::vector<double> q = randomOrthogonal(rng, n);
-        for (int i = 0; i < n; i++)
-            for (int j = 0; j < n; j++) {
-                double sum = 0.0;
-                for (int k = 0; k < n; k++)
-                    for (int l = 0; l < n; l++)
-                        sum += q[i * n + k] * block[k * n + l] * q[j * n + l];
-                a[i * n + j] = sum;
-            }
-    }
-    std::vector<double> b(n), c(n);
+    double d = feedThrough ? gauss(rng) : 0.0;
+    if (!dense)
+        return realization(rng, n, 1, 1.0, !stable, d);
+    std::vector<double> a(n * n), b(n), c(n);
+    for (double &x : a)
+        x = gauss(rng);
+    double shift = std::sqrt((double)n) + 0.5;
+    for (int i = 0; i < n; i++)
+        a[i * n + i] += stable ? -shift : shift;
     for (double &x : b)
         x = gauss(rng);
     for (double &x : c)
         x = gauss(rng);
-    return new Model(n, a, b, c, feedThrough ? gauss(rng) : 0.0);
+    return new Model(n, a, b, c, d);
 }
 
 class XferReference : public ::testing::Test {
