@@ -16,7 +16,6 @@
 #include <complex>
 #include <cstdint>
 #include <cstring>
-#include <fstream>
 #include <optional>
 #include <sstream>
 #include <vector>
@@ -25,6 +24,7 @@
 
 #include "hostapp/engine.h"
 #include "hostapp/json_places.h"
+#include "hostapp/text_file.h"
 #include "platform/driver.h"
 
 namespace hostapp {
@@ -165,14 +165,11 @@ bool replaceFile(const std::string &path, const std::string &text, std::string &
 bool saveBlock(const Block &block, const std::string &path, std::string &error)
 {
     const char *instead = "; make the file and its folder writable, or leave out --save";
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
-        error = std::strerror(errno) + std::string(instead);
+    std::string text;
+    if (!readTextFile(path, "diagram", DIAGRAM_FILE_LIMIT, text, error)) {
+        error += instead;
         return false;
     }
-    std::stringstream read;
-    read << in.rdbuf();
-    std::string text = read.str();
     size_t begin = 0, end = 0;
     nlohmann::ordered_json fields;
     if (valueSpan(text, block.pointer, begin, end))
