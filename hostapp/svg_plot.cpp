@@ -78,7 +78,8 @@ struct Axis {
 
 /* Sets the axis range from the record's bounds, or from the data when those are
 ** not usable (a plot shown without bounds). */
-void chooseRange(Axis &axis, double recordLo, double recordHi, const std::vector<double> &data)
+void chooseRange(Axis &axis, double recordLo, double recordHi, const std::vector<PlotSeries> &curves,
+                 std::vector<double> PlotSeries::*coordinate)
 {
     double lo = recordLo, hi = recordHi;
     if (axis.decibels) {
@@ -88,13 +89,14 @@ void chooseRange(Axis &axis, double recordLo, double recordHi, const std::vector
     bool usable = std::isfinite(lo) && std::isfinite(hi) && lo < hi && (!axis.logarithmic || lo > 0);
     if (!usable) {
         double range[2] = {INFINITY, -INFINITY};
-        for (double v : data) {
-            double s = axis.decibels ? axis.scaled(v) : v;
-            if (std::isfinite(s) && (!axis.logarithmic || s > 0)) {
-                range[0] = std::min(range[0], s);
-                range[1] = std::max(range[1], s);
+        for (const PlotSeries &curve : curves)
+            for (double v : curve.*coordinate) {
+                double s = axis.decibels ? axis.scaled(v) : v;
+                if (std::isfinite(s) && (!axis.logarithmic || s > 0)) {
+                    range[0] = std::min(range[0], s);
+                    range[1] = std::max(range[1], s);
+                }
             }
-        }
         niceBounds(range, axis.logarithmic);
         lo = range[0];
         hi = range[1];
@@ -506,13 +508,11 @@ std::string renderPlotSvg(const PlotView &view)
     x.p1 = AREA_RIGHT;
     y.p0 = AREA_BOTTOM;
     y.p1 = AREA_TOP;
-    std::vector<double> xs, ys;
-    for (const PlotSeries &s : curves) {
-        xs.insert(xs.end(), s.x.begin(), s.x.end());
-        ys.insert(ys.end(), s.y.begin(), s.y.end());
-    }
-    chooseRange(x, r.xMin, r.xMax, xs);
-    chooseRange(y, r.yMin, r.yMax, ys);
+    size_t pointCount = 0;
+    for (const PlotSeries &s : curves)
+        pointCount += s.y.size();
+    chooseRange(x, r.xMin, r.xMax, curves, &PlotSeries::x);
+    chooseRange(y, r.yMin, r.yMax, curves, &PlotSeries::y);
     LocusMarks marks;
     if (kind == PlotKind::Nyquist) {
         /* Encirclements of -1 are what the plot is read for: it is always in view. */
@@ -528,7 +528,7 @@ std::string renderPlotSvg(const PlotView &view)
 
     SvgWriter svg;
     /* Room for the frame and about 16 bytes a point: the text is not copied as it grows. */
-    svg.text.reserve(16384 + 16 * xs.size());
+    svg.text.reserve(16384 + 16 * pointCount);
     svg.text += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
     svg.text += "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"800\" height=\"500\" viewBox=\"0 0 800 500\" "
                 "font-family=\"DejaVu Sans, Arial, Helvetica, sans-serif\" font-size=\"12\">\n";
@@ -694,10 +694,20 @@ bool fileHolds(const std::string &path, const std::string &text)
     FILE *in = std::fopen(path.c_str(), "rb");
     if (!in)
         return false;
-    std::string held(text.size() + 1, '\0');  /* one more: a longer file reads that byte */
-    size_t size = std::fread(held.data(), 1, held.size(), in);
+    /* Compared a piece at a time: a buffer the size of the file would be fresh memory,
+    ** whose pages cost more to map than the comparison. */
+    char held[1 << 14];
+    size_t compared = 0;
+    bool same = true;
+    while (same) {
+        size_t size = std::fread(held, 1, sizeof held, in);
+        if (size == 0)
+            break;
+        same = compared + size <= text.size() && text.compare(compared, size, held, size) == 0;
+        compared += size;
+    }
     std::fclose(in);
-    return size == text.size() && held.compare(0, size, text) == 0;
+    return same && compared == text.size();
 }
 
 }
