@@ -12,6 +12,31 @@ using namespace testing_support;
 
 namespace {
 
+std::string plantDiagram(const std::string &plant)
+{
+    return R"({"blocks": [{"id": "u", "type": "step", "value": 0}, )" + plant +
+           R"(, {"id": "y", "type": "plot"}], "wires": [["u", "p"], ["p", "y"]],
+              "selection": ["p"], "input": "p.in", "output": "p.out"})";
+}
+
+/* A step driving a chain of n first-order lags, all selected, from the first lag's input
+** to the last one's output: a model of n states. */
+std::string chainOfLags(int n)
+{
+    std::string blocks = R"({"id": "src", "type": "step", "value": 1})", wires, selection;
+    std::string previous = "src";
+    for (int i = 0; i < n; ++i) {
+        std::string id = "p" + std::to_string(i);
+        blocks += R"(, {"id": ")" + id + R"(", "type": "transferFunction", "num": [1], "den": [1, )" +
+                  std::to_string(1 + i) + "]}";
+        wires += std::string(i ? ", " : "") + "[\"" + previous + "\", \"" + id + "\"]";
+        selection += std::string(i ? ", " : "") + "\"" + id + "\"";
+        previous = id;
+    }
+    return R"({"blocks": [)" + blocks + R"(], "wires": [)" + wires + R"(], "selection": [)" + selection +
+           R"(], "input": "p0.in", "output": ")" + previous + R"(.out"})";
+}
+
 TEST(Analyses, ExamplesThroughTheCommandLine)
 {
     const Session sessions[] = {
@@ -40,6 +65,34 @@ TEST(Analyses, ExamplesThroughTheCommandLine)
          {{"session.txt", "rlocus-options --start 0 --stop 10 --steps 100000000\nrlocus\n"}},
          "--script {dir}/session.txt {examples}servo.json", 0,
          {"[Tervan] Root locus: 100000000 steps are more than the 65536 a root locus plot can take."}},
+        /* (s + 2)/((s + 1)(s + 3)(s + 4)(s + 5)) in controllable form: c b = 0 exactly, no feed-through */
+        {"four states, one zero",
+         {{"d.json", plantDiagram(R"({"id": "p", "type": "stateSpace", "a": [[0, 1, 0, 0], [0, 0, 1, 0],
+             [0, 0, 0, 1], [-60, -107, -59, -13]], "b": [0, 0, 0, 1], "c": [2, 1, 0, 0]})")}},
+         "{dir}/d.json tf", 0, {"  static -1 \"Gain\"", "  static 109 \"1\"", "  listbox 107: \"(-2,0)\""}},
+        /* 5 (s - 0.2)/(s (s + 1)^9): the gain does not depend on the number of poles */
+        {"ten poles",
+         {{"d.json", plantDiagram(R"({"id": "p", "type": "transferFunction", "num": [5, -1],
+             "den": [1, 9, 36, 84, 126, 126, 84, 36, 9, 1, 0]})")}},
+         "{dir}/d.json tf", 0, {"  static -1 \"Gain\"", "  static 109 \"5\"", "  listbox 107: \"(.2,0)\""}},
+        /* the same scaled by 1e-10: a tiny |G| keeps its sign and size */
+        {"tiny gain",
+         {{"d.json", plantDiagram(R"({"id": "p", "type": "transferFunction", "num": [-5e-10, 1e-10],
+             "den": [1, 9, 36, 84, 126, 126, 84, 36, 9, 1, 0]})")}},
+         "{dir}/d.json tf", 0, {"  static -1 \"Gain\"", "  static 109 \"-5e-010\"", "  listbox 107: \"(.2,0)\""}},
+        /* steps times order that would keep praxa busy for minutes, on a chain of 300 lags */
+        {"Bode steps times states", {{"c.json", chainOfLags(300)},
+         {"s.txt", "frequency-range --start 0.1 --stop 10 --steps 1000000\nbode\n"}}, "--script {dir}/s.txt {dir}/c.json", 0,
+         {"[Tervan] Bode: 1000000 points for 300 states are more than a plot takes (268435456 points times "
+          "states); choose fewer steps."}},
+        {"Nyquist steps times states", {{"c.json", chainOfLags(300)},
+         {"s.txt", "frequency-range --start 0.1 --stop 10 --steps 1000000\nnyquist\n"}}, "--script {dir}/s.txt {dir}/c.json", 0,
+         {"[Tervan] Nyquist: 1000000 points for 300 states are more than a plot takes (268435456 points times "
+          "states); choose fewer steps."}},
+        {"root locus steps times poles cubed", {{"c.json", chainOfLags(300)},
+         {"s.txt", "rlocus-options --start 0 --stop 10 --steps 1000\nrlocus\n"}}, "--script {dir}/s.txt {dir}/c.json", 0,
+         {"[Tervan] Root locus: 1000 steps for 300 closed-loop poles are more than a root locus run takes "
+          "(17179869184 steps times poles cubed); choose fewer steps."}},
     };
     for (const Session &session : sessions)
         expectSession(session);

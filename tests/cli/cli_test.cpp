@@ -3,6 +3,8 @@
 ** the plug-in's host symbols resolve against the executable, and the transcript,
 ** settings file and exit status are what a user sees.
 */
+#include <sys/stat.h>
+
 #include <gtest/gtest.h>
 
 #include "support.h"
@@ -67,6 +69,61 @@ TEST(CommandLine, SessionsShowTranscriptsWriteSettingsAndExit)
         expectSession(session);
 }
 
+/* Arguments, option values and files refused before any command runs, each with what
+** failed and what to give instead; the run on the servo example unless the row names more. */
+TEST(CommandLine, UnusableArgumentsAndFilesAreRefusedWithARemedy)
+{
+    const std::string optionArgument = "praxa: --gain takes a finite number such as 2.5 or -1e3, not ";
+    const std::string root = "takes a root RE or RE,IM of finite numbers, such as -2 or -1,3, not ";
+    const struct {
+        std::string arguments, error;
+    } rows[] = {
+        {"compensator --gain abc", optionArgument + "'abc'"},
+        {"compensator --gain 1e999", optionArgument + "'1e999'"},
+        {"compensator --add-zero xyz", "praxa: --add-zero " + root + "'xyz'"},
+        {"compensator --add-pole '(1,nan)'", "praxa: --add-pole " + root + "'(1,nan)'"},
+        {"compensator --gain", "praxa: option --gain needs a value (see praxa --help)"},
+        {"frequency-range --steps 2.5", "praxa: --steps takes a whole number such as 100, not '2.5'"},
+        {"rlocus-options --start inf", "praxa: --start takes a finite number such as 2.5 or -1e3, not 'inf'"},
+        {"preferences --precision ''", "praxa: --precision takes a whole number such as 100, not ''"},
+        {"preferences --magnitude-unit dB", "praxa: option --magnitude-unit takes db or log10, not 'dB'"},
+        {"bode --fast", "praxa: unknown option --fast for command bode (see praxa --help)"},
+        {"compensator --save",
+         "praxa: command line: compensator --save keeps what OK hands over; add --ok (in a script: click 1)"},
+        {"compensator --ok --save",
+         "praxa: command line: compensator --save: the diagram has no compensator block to write the design into; "
+         "add a block of type \"compensator\" or leave out --save"},
+        {"--input motor.out linearize",
+         "praxa: --input motor.out: the selection computes motor.out, so it would be taken as the output, not the "
+         "input; pick a signal that enters the selection, such as ctrl.1"},
+        {"--input ref.out linearize",
+         "praxa: --input ref.out: no selected block reads ref.out, so it cannot be an input of the selection; "
+         "pick a signal that enters the selection, such as ctrl.1"},
+        {"--output ref.out linearize",
+         "praxa: --output ref.out: no selected block computes ref.out, so it cannot be an output of the selection; "
+         "pick one that does, such as ctrl.out, amp.out, motor.out"},
+        {"--output nowhere.out linearize",
+         "praxa: --output nowhere.out: no block 'nowhere'; name a block by its id, or its path such as outer/inner"},
+        {"--plugin {dir}/none.so tf",
+         "praxa: cannot load plug-in {dir}/none.so: {dir}/none.so: cannot open shared object file: No such file or "
+         "directory; give the plug-in library with --plugin"},
+        {"draw --file missing/servo.svg",
+         "praxa: command line: cannot write {dir}/missing/servo.svg: cannot create the file; give another folder "
+         "with --out or another name with --file"},
+        {"--out {dir}/afile bode",
+         "praxa: cannot write into output folder {dir}/afile: Not a directory; give another folder with --out"},
+        {"--script {dir}", "praxa: cannot read script {dir}: Is a directory; give a readable script file"},
+        {"--script /dev/zero", "praxa: cannot read script /dev/zero: larger than 16 MiB; give a smaller script file"},
+        {"/dev/zero tf", "praxa: cannot read diagram /dev/zero: larger than 256 MiB; give a smaller diagram file"},
+    };
+    for (const auto &row : rows) {
+        std::string arguments = row.arguments;
+        if (arguments.rfind("/dev/zero", 0) != 0)
+            arguments = "{examples}servo.json " + arguments;
+        expectSession({row.arguments.c_str(), {{"afile", "x"}}, arguments, 2, {}, (row.error + "\n").c_str()});
+    }
+}
+
 /* Messages that hold a value only the system gives. */
 TEST(CommandLine, UnusableInputsAreNamedOnStderr)
 {
@@ -80,6 +137,15 @@ TEST(CommandLine, UnusableInputsAreNamedOnStderr)
     run = runPraxa("--host-version x about");
     EXPECT_EQ(run.status, 2);
     EXPECT_NE(run.err.find("--host-version takes a whole number"), std::string::npos) << run.err;
+
+    TempDir dir;
+    writeFile(dir.file("tervan.ini"), "[tervan]\nprxReusePlots=0\n");
+    ASSERT_EQ(chmod(dir.file("tervan.ini").c_str(), 0444), 0);
+    run = runPraxa("--settings " + dir.file("tervan.ini") + " " + examplePath("servo.json") + " reuse-plots");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out, "[error] Cannot write settings file " + dir.file("tervan.ini") + ": Permission denied\n");
+    EXPECT_EQ(run.err, "praxa: the settings file " + dir.file("tervan.ini") + " could not be written; give a writable one with --settings\n");
+    EXPECT_EQ(readFile(dir.file("tervan.ini")), "[tervan]\nprxReusePlots=0\n");
 
     run = runPraxa("--script /nonexistent/missing.txt");
     EXPECT_EQ(run.status, 2);
