@@ -24,18 +24,44 @@ protected:
     }
 };
 
-TEST_F(GainRange, ThreePolesAtMinusOneLeaveTheBoxOfTwo)
+/* Box S and top gain of loops without zeros, each derived by hand; a critical gain K*
+** (where the roots leave the box) must lie in the last bracket below the top gain. */
+TEST_F(GainRange, BoxAndTopGainOfLoopsWithoutZeros)
 {
-    /* (s + 1)^3 + K: roots -1 + K^(1/3) e^(j pi (2k + 1)/3).  The complex pair leaves the
-    ** square |Re|, |Im| <= 2 through its top side at K* = (4/sqrt 3)^3.  Doubling passes
-    ** at 20 (10 fails); bisection 15, 12.5 pass, 11.25, 11.875 fail: the bracket
-    ** [11.875, 12.5] is narrower than 1. */
-    autoRange({1, 0, 0, 0}, {1, 3, 3, 1}, {{-1, 0}, {-1, 0}, {-1, 0}}, {});
-    EXPECT_EQ(S, 2.0);
-    EXPECT_EQ(Kauto, 12.5);
-    double critical = std::pow(4.0 / std::sqrt(3.0), 3.0);
-    EXPECT_GT(Kauto, critical);
-    EXPECT_LT(Kauto - 1.0, critical);
+    const struct {
+        const char *name;
+        std::vector<double> numerator, denominator;
+        std::vector<Complex> poles;
+        double box, top, critical, bracket;     /* critical 0: none */
+    } rows[] = {
+        /* (s + 1)^3 + K: roots -1 + K^(1/3) e^(j pi (2k + 1)/3).  The complex pair leaves the
+        ** square |Re|, |Im| <= 2 through its top side at K* = (4/sqrt 3)^3.  Doubling passes
+        ** at 20 (10 fails); bisection 15, 12.5 pass, 11.25, 11.875 fail: the bracket
+        ** [11.875, 12.5] is narrower than 1. */
+        {"(s+1)^3", {1, 0, 0, 0}, {1, 3, 3, 1}, {{-1, 0}, {-1, 0}, {-1, 0}}, 2.0, 12.5,
+         std::pow(4.0 / std::sqrt(3.0), 3.0), 1.0},
+        /* Roots -15 +- j sqrt(K - 225) leave the box |Im| <= 60 above K = 3825: doubling
+        ** passes at 5120 (2560 fails); bisection 3840 passes, then 3200, 3520, 3680, 3760, 3800
+        ** and 3820 fail, leaving a bracket of 20, within 1 % of the last doubling step 2560. */
+        {"s(s+30)", {1, 0, 0}, {0, 30, 1}, {{0, 0}, {-30, 0}}, 60.0, 3840.0, 3825.0, 25.6},
+        /* -16 +- j sqrt(K - 256) leave |Im| <= 64 above K = 4352: 5120 passes, then 3840
+        ** fails, 4480 passes, 4160 and 4320 fail, 4400 and 4360 pass, 4340 fails: a bracket
+        ** of 20 (a bracket of 160 after 4320 is not yet within 1 % of 2560). */
+        {"s(s+32)", {1, 0, 0}, {0, 32, 1}, {{0, 0}, {-32, 0}}, 64.0, 4360.0, 4352.0, 25.6},
+        /* a loop that never gets there gives up at 20480; NaN roots keep the least box */
+        {"1e-9/(s+1)^3", {1e-9, 0, 0, 0}, {1, 3, 3, 1}, {{-1, 0}, {-1, 0}, {-1, 0}}, 2.0, 20480.0, 0, 0},
+        {"NaN", {1, 0, 0, 0}, {NAN, 3, 3, 1}, {{NAN, 0}, {-1, 0}, {-1, 0}}, 2.0, 20480.0, 0, 0},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.name);
+        autoRange(row.numerator, row.denominator, row.poles, {});
+        EXPECT_EQ(S, row.box);
+        EXPECT_EQ(Kauto, row.top);
+        if (row.critical > 0) {
+            EXPECT_GT(Kauto, row.critical);
+            EXPECT_LT(Kauto - row.bracket - 1e-9, row.critical);
+        }
+    }
 }
 
 TEST_F(GainRange, OneZeroIsReachedWhileTwoBranchesLeave)
@@ -67,35 +93,6 @@ TEST_F(GainRange, OneZeroIsReachedWhileTwoBranchesLeave)
     EXPECT_TRUE(satisfied(Kauto));
     EXPECT_GE(Kauto, hi);
     EXPECT_LT(Kauto, hi + 1.0);
-}
-
-TEST_F(GainRange, ALoopThatNeverGetsThereGivesUpAt20480)
-{
-    autoRange({1e-9, 0, 0, 0}, {1, 3, 3, 1}, {{-1, 0}, {-1, 0}, {-1, 0}}, {});
-    EXPECT_EQ(Kauto, 20480.0);
-    /* The same with roots that are NaN: the box keeps its least size. */
-    autoRange({1, 0, 0, 0}, {NAN, 3, 3, 1}, {{NAN, 0}, {-1, 0}, {-1, 0}}, {});
-    EXPECT_EQ(S, 2.0);
-    EXPECT_EQ(Kauto, 20480.0);
-}
-
-TEST_F(GainRange, BoxIsTwiceTheLargestRootMagnitude)
-{
-    autoRange({1, 0, 0}, {0, 30, 1}, {{0, 0}, {-30, 0}}, {});
-    EXPECT_EQ(S, 60.0);
-    /* Roots -15 +- j sqrt(K - 225) leave the box |Im| <= 60 above K = 3825: doubling
-    ** passes at 5120 (2560 fails); bisection 3840 passes, then 3200, 3520, 3680, 3760, 3800
-    ** and 3820 fail, leaving a bracket of 20, within 1 % of the last doubling step 2560. */
-    EXPECT_EQ(Kauto, 3840.0);
-    EXPECT_GT(Kauto, 3825.0);
-    EXPECT_LT(Kauto, 3825.0 + 25.6 + 1e-9);
-
-    /* -16 +- j sqrt(K - 256) leave |Im| <= 64 above K = 4352: 5120 passes, then 3840
-    ** fails, 4480 passes, 4160 and 4320 fail, 4400 and 4360 pass, 4340 fails: a bracket
-    ** of 20 (a bracket of 160 after 4320 is not yet within 1 % of 2560). */
-    autoRange({1, 0, 0}, {0, 32, 1}, {{0, 0}, {-32, 0}}, {});
-    EXPECT_EQ(S, 64.0);
-    EXPECT_EQ(Kauto, 4360.0);
 }
 
 }
