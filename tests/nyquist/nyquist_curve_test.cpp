@@ -39,7 +39,6 @@ TEST_F(NyquistTest, StableSystemRunsFromTheStaticGainOverTheAutomaticRange)
     EXPECT_DOUBLE_EQ(frequencyRange.start, 1e-5);
     EXPECT_DOUBLE_EQ(frequencyRange.stop, 20.0);
     EXPECT_EQ(plot->pointCount, 1000u);
-    EXPECT_EQ(count(), 1000u);
     EXPECT_EQ(plot->traces[1].points.count, 1000u);
     EXPECT_EQ(arcPointCount, 77);               /* only set when there are detours */
     EXPECT_EQ(nyquistInfinity, 10.0);
@@ -50,7 +49,6 @@ TEST_F(NyquistTest, StableSystemRunsFromTheStaticGainOverTheAutomaticRange)
     EXPECT_EQ(Y(1), 0.0);
     double step = (std::log10(20.0) + 5.0) / 1000;
     EXPECT_DOUBLE_EQ(W[1], 1e-5);
-    EXPECT_NEAR(W[500], std::pow(10.0, -5.0 + 499 * step), 1e-12);
     EXPECT_NEAR(W[1000], 20.0 / std::pow(10.0, step), 1e-9);   /* one step below stop */
     for (int p = 1; p <= 1000; p++)
         expectPointAt(p, {0.0, W[p - 1]}, 2.0);
