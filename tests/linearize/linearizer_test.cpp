@@ -62,6 +62,18 @@ TEST_F(Linearizer, DiagramsGiveTheirHandDerivedModels)
             "wires": [["src", "x"]], "selection": ["x"], "input": "x.in", "output": "x.out"})",
          0.0, 1e-8, {-2}, {1}, {3}, {0},
          "[Tervan Debug] Warning, linearizing with respect to the first matrix element only."},
+        /* a sampled block after a continuous first block: period 0, and on it goes with
+        ** z+ = 0.5 z + 2 u, y = z */
+        {"differing sampling", R"({"blocks": [{"id": "src", "type": "constant", "value": 1},
+            {"id": "k", "type": "gain", "gain": 2},
+            {"id": "z", "type": "discreteTransferFunction", "num": [1], "den": [1, -0.5], "samplePeriod": 0.1},
+            {"id": "scope", "type": "plot"}],
+            "wires": [["src", "k"], ["k", "z"], ["z", "scope"]], "selection": ["k", "z"]})",
+         0.0, 1e-8, {0.5}, {2}, {1}, {0},
+         "[Tervan Debug] Attempt to analyze discrete subsystem with differing sampling rates"},
+        /* the delay's sample is held: plant' = -plant + u, and the output after it does not move */
+        {"unit delay", "unit_delay.json", 0.0, 1e-8, {-1}, {1}, {0}, {0},
+         "[Tervan Debug] Praxa can't handle unit delay"},
     };
     for (const Row &row : rows) {
         SCOPED_TRACE(row.name);

@@ -1,6 +1,6 @@
 /*
 ** tests/linearize/reference_points_test.cpp: picking reference points by clicks, the
-** marking of candidates, the order of the state blocks and the sampling warnings.
+** marking of candidates, and the order of the state blocks.
 */
 #include "fixture.h"
 
@@ -103,36 +103,6 @@ TEST_F(RefPoints, ClickingMarksTheCandidatesAndLinearizingClearsTheMarks)
     ASSERT_EQ(linearize(&period), 1);
     for (const char *name : {"ctrl", "motor"})
         EXPECT_FALSE(hostapp::diagramBlock(name)->flags & BLOCK_FLAG_CANDIDATE_MARK) << name;
-}
-
-TEST_F(RefPoints, ASampledBlockAfterAContinuousFirstBlockWarnsAndKeepsPeriodZero)
-{
-    load(R"({"blocks": [{"id": "src", "type": "constant", "value": 1}, {"id": "k", "type": "gain", "gain": 2},
-        {"id": "z", "type": "discreteTransferFunction", "num": [1], "den": [1, -0.5], "samplePeriod": 0.1},
-        {"id": "scope", "type": "plot"}],
-        "wires": [["src", "k"], ["k", "z"], ["z", "scope"]], "selection": ["k", "z"]})");
-    double period = -1;
-    ASSERT_EQ(linearize(&period), 1);
-    EXPECT_EQ(period, 0.0);
-    EXPECT_EQ(messages(), std::vector<std::string>{
-                              "[Tervan Debug] Attempt to analyze discrete subsystem with differing sampling rates"});
-    /* The linearization went on: z+ = 0.5 z + 2 u, y = z. */
-    expectMatrix(stateSpaceModel.A, 1, 1, {0.5});
-    expectMatrix(stateSpaceModel.B, 1, 1, {2});
-}
-
-TEST_F(RefPoints, UnitDelayIsReportedAndLinearizingGoesOn)
-{
-    loadExample("unit_delay.json");
-    platform::clearTranscript();
-    double period = -1;
-    ASSERT_EQ(linearize(&period), 1);
-    EXPECT_EQ(messages(), std::vector<std::string>{"[Tervan Debug] Praxa can't handle unit delay"});
-    /* The delay's sample is held: plant' = -plant + u, and the output after the delay does not move. */
-    expectMatrix(stateSpaceModel.A, 1, 1, {-1});
-    expectMatrix(stateSpaceModel.B, 1, 1, {1});
-    expectMatrix(stateSpaceModel.C, 1, 1, {0});
-    expectMatrix(stateSpaceModel.D, 1, 1, {0});
 }
 
 }
