@@ -15,7 +15,7 @@ using Entries = std::vector<std::string>;
 
 }
 
-TEST_F(CompensatorTest, FirstUseShowsGainOneEmptyListsAndOneRowPerPlantPole)
+TEST_F(CompensatorTest, FirstUseAndAfterTheResetEventGainOneAndEmptyLists)
 {
     design();
     EXPECT_EQ(shownControl("edit", IDC_COMP_GAIN), "  edit 1023 \"1\"");
@@ -26,6 +26,21 @@ TEST_F(CompensatorTest, FirstUseShowsGainOneEmptyListsAndOneRowPerPlantPole)
     EXPECT_EQ(lineOf("[end] Compensator Design: 2"), (int)lines().size() - 1) << platform::transcriptText();
     EXPECT_TRUE(hostCommands.empty());
     EXPECT_EQ(currentCompensator.gain, 1.0);
+
+    /* The reset event between invocations: gain one and empty lists again, arrays kept. */
+    type(IDC_COMP_GAIN, "6");
+    type(IDC_COMP_POLE_EDIT, "-4");
+    click(IDC_COMP_ADD);
+    click(IDOK);
+    design();
+    Complex *poles = currentCompensator.poles;
+    EXPECT_EQ(praxaEvent(EVENT_RESET_COMPENSATOR, 0), 0);
+    EXPECT_EQ(currentCompensator.poles, poles);
+    platform::clearTranscript();
+    design();
+    EXPECT_EQ(shownControl("edit", IDC_COMP_GAIN), "  edit 1023 \"1\"");
+    EXPECT_EQ(shownControl("listbox", IDC_COMP_ZEROS), "  listbox 107:");
+    EXPECT_EQ(shownControl("listbox", IDC_COMP_POLES), "  listbox 108:");
 }
 
 /* Editing the lists, as the dialog holds them when OK is pressed, and as the record reads them. */
@@ -130,23 +145,6 @@ TEST_F(CompensatorTest, OkReadsTheDialogAndHandsTheRecordToTheHost)
     EXPECT_EQ(loopPoles[1].re, -20.0);
     EXPECT_EQ(loopPoles[2].re, 0.0);
     EXPECT_EQ(loopPoles[3].re, -1.0);
-}
-
-TEST_F(CompensatorTest, ResetEventBetweenInvocationsOpensWithGainOneAndEmptyLists)
-{
-    type(IDC_COMP_GAIN, "6");
-    type(IDC_COMP_POLE_EDIT, "-4");
-    click(IDC_COMP_ADD);
-    click(IDOK);
-    design();
-    Complex *poles = currentCompensator.poles;
-    EXPECT_EQ(praxaEvent(EVENT_RESET_COMPENSATOR, 0), 0);
-    EXPECT_EQ(currentCompensator.poles, poles);     /* the arrays are kept */
-    platform::clearTranscript();
-    design();
-    EXPECT_EQ(shownControl("edit", IDC_COMP_GAIN), "  edit 1023 \"1\"");
-    EXPECT_EQ(shownControl("listbox", IDC_COMP_ZEROS), "  listbox 107:");
-    EXPECT_EQ(shownControl("listbox", IDC_COMP_POLES), "  listbox 108:");
 }
 
 TEST_F(CompensatorTest, RootTextsParseAsTheUserTypesThem)

@@ -1,7 +1,7 @@
 /*
 ** tests/linearize/block_library_test.cpp: the nonlinear and switching blocks linearized
-** at their operating point against hand-derived Jacobians, the magnetic levitation
-** example against its hand-derived model, and the refusals of badly given blocks.
+** at their operating point against hand-derived Jacobians, and the refusals of badly
+** given blocks.
 */
 #include "fixture.h"
 
@@ -66,18 +66,6 @@ TEST_F(BlockLibrary, EachBlockLinearizesToItsHandJacobian)
         expectMatrix(stateSpaceModel.C, 1, (uint32_t)row.at.size(), row.jacobian, 1e-7);
         expectMatrix(stateSpaceModel.D, 1, 1, {0});
     }
-}
-
-/* x'' = g - c i^2 / x^2 at x = 0.01, i = 1 (c = g x^2 / i^2):
-** d/dx = 2 c i^2 / x^3 = 1962, d/di = -2 c i / x^2 = -19.62. */
-TEST_F(BlockLibrary, MagneticLevitationGivesTheHandDerivedModel)
-{
-    loadExample("maglev.json");
-    ASSERT_EQ(linearize(nullptr), 1) << platform::transcriptText();
-    expectMatrix(stateSpaceModel.A, 2, 2, {0, 1, 1962, 0}, 0.05);
-    expectMatrix(stateSpaceModel.B, 2, 1, {0, -19.62}, 1e-9);
-    expectMatrix(stateSpaceModel.C, 1, 2, {1, 0});
-    expectMatrix(stateSpaceModel.D, 1, 1, {0});
 }
 
 TEST_F(BlockLibrary, BadlyGivenBlocksAreRefusedSayingWhatToChange)

@@ -62,6 +62,21 @@ TEST_F(Linearizer, DiagramsGiveTheirHandDerivedModels)
             "wires": [["src", "x"]], "selection": ["x"], "input": "x.in", "output": "x.out"})",
          0.0, 1e-8, {-2}, {1}, {3}, {0},
          "[Tervan Debug] Warning, linearizing with respect to the first matrix element only."},
+        /* x'' = g - c i^2 / x^2 at x = 0.01, i = 1 (c = g x^2 / i^2):
+        ** d/dx = 2 c i^2 / x^3 = 1962, d/di = -2 c i / x^2 = -19.62 */
+        {"magnetic levitation", "maglev.json", 0.0, 0.05, {0, 1, 1962, 0}, {0, -19.62}, {1, 0}, {0}, nullptr},
+        /* a sampled block after a continuous first block: period 0, and on it goes with
+        ** z+ = 0.5 z + 2 u, y = z */
+        {"differing sampling", R"({"blocks": [{"id": "src", "type": "constant", "value": 1},
+            {"id": "k", "type": "gain", "gain": 2},
+            {"id": "z", "type": "discreteTransferFunction", "num": [1], "den": [1, -0.5], "samplePeriod": 0.1},
+            {"id": "scope", "type": "plot"}],
+            "wires": [["src", "k"], ["k", "z"], ["z", "scope"]], "selection": ["k", "z"]})",
+         0.0, 1e-8, {0.5}, {2}, {1}, {0},
+         "[Tervan Debug] Attempt to analyze discrete subsystem with differing sampling rates"},
+        /* the delay's sample is held: plant' = -plant + u, and the output after it does not move */
+        {"unit delay", "unit_delay.json", 0.0, 1e-8, {-1}, {1}, {0}, {0},
+         "[Tervan Debug] Praxa can't handle unit delay"},
     };
     for (const Row &row : rows) {
         SCOPED_TRACE(row.name);

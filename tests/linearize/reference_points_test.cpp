@@ -1,8 +1,10 @@
 /*
 ** tests/linearize/reference_points_test.cpp: picking reference points by clicks, the
-** marking of candidates, the order of the state blocks and the sampling warnings.
+** marking of candidates, and the order of the state blocks.
 */
 #include "fixture.h"
+
+#include <algorithm>
 
 #include "host/host.h"
 #include "hostapp/host_state.h"
@@ -11,8 +13,7 @@ namespace {
 
 using RefPoints = DiagramTest;
 
-/* servo.json with a plot on the error signal: scope.1 is both an input point (err is
-** outside the selection, ctrl reads it) and an output point (a plot input). */
+/* servo.json with a plot on the error signal. */
 const char *const SERVO_WITH_ERROR_PLOT = R"({"blocks": [
     {"id": "ref", "type": "step", "value": 1}, {"id": "err", "type": "sum", "signs": "+-"},
     {"id": "ctrl", "type": "gain", "gain": 2},
@@ -21,73 +22,56 @@ const char *const SERVO_WITH_ERROR_PLOT = R"({"blocks": [
     "wires": [["ref", "err.1"], ["err", "ctrl"], ["ctrl", "motor"], ["motor", "err.2"], ["err", "scope"]],
     "selection": ["ctrl", "motor"]})";
 
-TEST_F(RefPoints, ANewOutputPointReplacesTheOldOne)
+/* Click sequences on the servo with an error plot: the points taken, the ones highlighted
+** (of motor.out, ctrl.out, ctrl.in, scope.1, ref.out), the beeps and the repaints. */
+TEST_F(RefPoints, ClicksTakeReplaceAndDropPoints)
 {
-    load(SERVO_WITH_ERROR_PLOT);
-    int repaints = hostapp::host().repaints;
-    click("motor.out");
-    ASSERT_EQ(outputRefList.count, 1u);
-    EXPECT_EQ(outputRefList.items[0], point("motor.out"));
-    EXPECT_TRUE(highlighted("motor.out"));
-    EXPECT_EQ(hostapp::host().repaints, repaints + 1);
-
-    click("ctrl.out");
-    ASSERT_EQ(outputRefList.count, 1u);
-    EXPECT_EQ(outputRefList.items[0], point("ctrl.out"));
-    EXPECT_FALSE(highlighted("motor.out"));
-    EXPECT_TRUE(highlighted("ctrl.out"));
-    EXPECT_EQ(hostapp::host().repaints, repaints + 3);
-    EXPECT_EQ(inputRefList.count, 0u);
-    EXPECT_EQ(hostapp::host().beeps, 0);
-}
-
-TEST_F(RefPoints, ClickingTheHighlightedReferenceRemovesIt)
-{
-    load(SERVO_WITH_ERROR_PLOT);
-    click("motor.out");
-    click("ctrl.in");
-    ASSERT_EQ(inputRefList.count, 1u);
-    EXPECT_EQ(inputRefList.items[0], point("ctrl.in"));
-
-    click("motor.out");
-    EXPECT_EQ(outputRefList.count, 0u);
-    EXPECT_FALSE(highlighted("motor.out"));
-    EXPECT_EQ(inputRefList.count, 1u);
-    click("ctrl.1");
-    EXPECT_EQ(inputRefList.count, 0u);
-    EXPECT_FALSE(highlighted("ctrl.in"));
-}
-
-TEST_F(RefPoints, APointOfNeitherKindBeepsAndChangesNothing)
-{
-    load(SERVO_WITH_ERROR_PLOT);
-    click("motor.out");
-    click("ctrl.in");
-    click("ref.out");           /* ref and its reader err are both outside the selection */
-    EXPECT_EQ(hostapp::host().beeps, 1);
-    EXPECT_EQ(messages(), std::vector<std::string>{"[beep]"});
-    EXPECT_FALSE(highlighted("ref.out"));
-    EXPECT_EQ(outputRefList.items[0], point("motor.out"));
-    EXPECT_EQ(inputRefList.items[0], point("ctrl.in"));
-    EXPECT_TRUE(highlighted("motor.out"));
-    EXPECT_TRUE(highlighted("ctrl.in"));
-}
-
-TEST_F(RefPoints, APointOfBothKindsBecomesTheOutputAndEmptiesBothLists)
-{
-    load(SERVO_WITH_ERROR_PLOT);
-    click("motor.out");
-    click("ctrl.in");
-    ASSERT_TRUE(isLinInputRef(point("scope.1")));
-    ASSERT_TRUE(isLinOutputRef(point("scope.1")));
-
-    click("scope.1");
-    ASSERT_EQ(outputRefList.count, 1u);
-    EXPECT_EQ(outputRefList.items[0], point("scope.1"));
-    EXPECT_TRUE(highlighted("scope.1"));
-    EXPECT_EQ(inputRefList.count, 0u);
-    EXPECT_FALSE(highlighted("ctrl.in"));
-    EXPECT_FALSE(highlighted("motor.out"));
+    const struct {
+        const char *name;
+        std::vector<std::string> clicks;
+        const char *output, *input;
+        std::vector<std::string> highlighted;
+        int beeps, repaints;            /* repaints -1: not counted */
+    } rows[] = {
+        /* each highlight and each unhighlight repaints */
+        {"a new output point replaces the old one", {"motor.out", "ctrl.out"}, "ctrl.out", nullptr, {"ctrl.out"}, 0, 3},
+        {"clicking the highlighted output removes it", {"motor.out", "ctrl.in", "motor.out"}, nullptr, "ctrl.in",
+         {"ctrl.in"}, 0, -1},
+        /* ctrl.1 is ctrl.in by its number */
+        {"clicking the highlighted input removes it", {"motor.out", "ctrl.in", "motor.out", "ctrl.1"}, nullptr,
+         nullptr, {}, 0, -1},
+        /* ref and its reader err are both outside the selection */
+        {"a point of neither kind beeps and changes nothing", {"motor.out", "ctrl.in", "ref.out"}, "motor.out",
+         "ctrl.in", {"motor.out", "ctrl.in"}, 1, -1},
+        /* scope.1 is an input point (err is outside the selection, ctrl reads it) and an
+        ** output point (a plot input) */
+        {"a point of both kinds becomes the output and empties both lists", {"motor.out", "ctrl.in", "scope.1"},
+         "scope.1", nullptr, {"scope.1"}, 0, -1},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.name);
+        TearDown();
+        SetUp();
+        load(SERVO_WITH_ERROR_PLOT);
+        int repaints = hostapp::host().repaints;
+        for (const std::string &name : row.clicks)
+            click(name);
+        ASSERT_EQ(outputRefList.count, row.output ? 1u : 0u);
+        ASSERT_EQ(inputRefList.count, row.input ? 1u : 0u);
+        if (row.output) {
+            EXPECT_EQ(outputRefList.items[0], point(row.output));
+        }
+        if (row.input) {
+            EXPECT_EQ(inputRefList.items[0], point(row.input));
+        }
+        for (const char *name : {"motor.out", "ctrl.out", "ctrl.in", "scope.1", "ref.out"})
+            EXPECT_EQ(highlighted(name), std::count(row.highlighted.begin(), row.highlighted.end(), name) == 1) << name;
+        EXPECT_EQ(hostapp::host().beeps, row.beeps);
+        EXPECT_EQ(messages(), std::vector<std::string>(row.beeps, "[beep]"));
+        if (row.repaints >= 0) {
+            EXPECT_EQ(hostapp::host().repaints, repaints + row.repaints);
+        }
+    }
 }
 
 TEST_F(RefPoints, ClickingMarksTheCandidatesAndLinearizingClearsTheMarks)
@@ -103,36 +87,6 @@ TEST_F(RefPoints, ClickingMarksTheCandidatesAndLinearizingClearsTheMarks)
     ASSERT_EQ(linearize(&period), 1);
     for (const char *name : {"ctrl", "motor"})
         EXPECT_FALSE(hostapp::diagramBlock(name)->flags & BLOCK_FLAG_CANDIDATE_MARK) << name;
-}
-
-TEST_F(RefPoints, ASampledBlockAfterAContinuousFirstBlockWarnsAndKeepsPeriodZero)
-{
-    load(R"({"blocks": [{"id": "src", "type": "constant", "value": 1}, {"id": "k", "type": "gain", "gain": 2},
-        {"id": "z", "type": "discreteTransferFunction", "num": [1], "den": [1, -0.5], "samplePeriod": 0.1},
-        {"id": "scope", "type": "plot"}],
-        "wires": [["src", "k"], ["k", "z"], ["z", "scope"]], "selection": ["k", "z"]})");
-    double period = -1;
-    ASSERT_EQ(linearize(&period), 1);
-    EXPECT_EQ(period, 0.0);
-    EXPECT_EQ(messages(), std::vector<std::string>{
-                              "[Tervan Debug] Attempt to analyze discrete subsystem with differing sampling rates"});
-    /* The linearization went on: z+ = 0.5 z + 2 u, y = z. */
-    expectMatrix(stateSpaceModel.A, 1, 1, {0.5});
-    expectMatrix(stateSpaceModel.B, 1, 1, {2});
-}
-
-TEST_F(RefPoints, UnitDelayIsReportedAndLinearizingGoesOn)
-{
-    loadExample("unit_delay.json");
-    platform::clearTranscript();
-    double period = -1;
-    ASSERT_EQ(linearize(&period), 1);
-    EXPECT_EQ(messages(), std::vector<std::string>{"[Tervan Debug] Praxa can't handle unit delay"});
-    /* The delay's sample is held: plant' = -plant + u, and the output after the delay does not move. */
-    expectMatrix(stateSpaceModel.A, 1, 1, {-1});
-    expectMatrix(stateSpaceModel.B, 1, 1, {1});
-    expectMatrix(stateSpaceModel.C, 1, 1, {0});
-    expectMatrix(stateSpaceModel.D, 1, 1, {0});
 }
 
 }

@@ -15,9 +15,21 @@
 #include <vector>
 
 #include "host/host.h"
+#include "hostapp/host_state.h"
+#include "platform/driver.h"
 #include "numeric/matrix.h"
 
 namespace xfertest {
+
+/* Each test on a fresh host and windowing. */
+class FreshHostTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        platform::resetWindowing();
+        hostapp::resetHost();
+    }
+};
 
 /* A rows x cols matrix filled from values given row by row. */
 inline Matrix *matrixFromRows(uint32_t rows, uint32_t cols, const std::vector<double> &rowMajor)

@@ -7,16 +7,12 @@
 */
 #include <gtest/gtest.h>
 
-#include <lapacke.h>
-
 #include <cmath>
 #include <complex>
 #include <memory>
 #include <random>
 #include <vector>
 
-#include "hostapp/host_state.h"
-#include "platform/driver.h"
 #include "tests/xfer/model.h"
 #include "xfer/xfer.h"
 
@@ -25,14 +21,7 @@ using cplx = std::complex<double>;
 
 namespace {
 
-class RelativeDegree : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        platform::resetWindowing();
-        hostapp::resetHost();
-    }
-};
+using RelativeDegree = FreshHostTest;
 
 }
 

@@ -11,8 +11,6 @@
 #include <memory>
 #include <string>
 
-#include "hostapp/host_state.h"
-#include "platform/driver.h"
 #include "tests/xfer/model.h"
 #include "xfer/system_matrix.h"
 #include "xfer/xfer.h"
@@ -21,14 +19,7 @@ using namespace xfertest;
 
 namespace {
 
-class XferEdge : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        platform::resetWindowing();
-        hostapp::resetHost();
-    }
-};
+using XferEdge = FreshHostTest;
 
 const double ROOT3_2 = std::sqrt(3.0) / 2;
 

@@ -16,9 +16,7 @@
 #include <string>
 #include <vector>
 
-#include "hostapp/host_state.h"
 #include "numeric/eigen.h"
-#include "platform/driver.h"
 #include "tests/xfer/model.h"
 #include "xfer/xfer.h"
 
@@ -128,14 +126,7 @@ Model *randomModel(std::mt19937_64 &rng, int n, bool stable, bool feedThrough, b
     return new Model(n, a, b, c, d);
 }
 
-class XferReference : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        platform::resetWindowing();
-        hostapp::resetHost();
-    }
-};
+using XferReference = FreshHostTest;
 
 }
 
