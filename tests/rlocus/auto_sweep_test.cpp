@@ -59,26 +59,20 @@ TEST_F(AutoSweep, StepThatHardlyMovesTheRootsGrowsByHalfItsGain)
     block = makeRootLocusPlot(1);
     plot = plotRecordOf(block);
     beginLocusRun(num, den, n, gain);
+    /* Rows marked turned put the branch's previous point 10 degrees off its direction:
+    ** such a step is halved until it moves at most 10/100, whether it moved more than
+    ** 10/500 or not. */
+    const double tenDegrees = std::numbers::pi / 18.0;
     const struct {
         double K, adapted;
-    } cases[] = {{1.01, 1.515}, {1.019, 1.5285}, {1.05, 1.05}, {1.3, 1.3}};
+        bool turned;
+    } cases[] = {{1.01, 1.515, false}, {1.019, 1.5285, false}, {1.05, 1.05, false}, {1.3, 1.3, false},
+                 {3.0, 1.0625, true}, {1.15, 1.075, true}};
     for (const auto &c : cases) {
         rootLocusStep(plot, 0, 0.0);
         rootLocusStep(plot, 1, 1.0);
-        double K = c.K;
-        adaptLocusGain(plot, n, 3, &K, 1.0, 10.0);
-        EXPECT_DOUBLE_EQ(K, c.adapted) << c.K;
-    }
-    /* A step 10 degrees off the branch's previous direction is halved until it moves at
-    ** most 10/100, whether it moved more than 10/500 or not. */
-    const struct {
-        double K, adapted;
-    } turned[] = {{3.0, 1.0625}, {1.15, 1.075}};
-    const double tenDegrees = std::numbers::pi / 18.0;
-    for (const auto &c : turned) {
-        rootLocusStep(plot, 0, 0.0);
-        rootLocusStep(plot, 1, 1.0);
-        storeLocusPoint(plot, 0, 0, {-2.0 + 0.1 * std::cos(tenDegrees), -0.1 * std::sin(tenDegrees)});
+        if (c.turned)
+            storeLocusPoint(plot, 0, 0, {-2.0 + 0.1 * std::cos(tenDegrees), -0.1 * std::sin(tenDegrees)});
         double K = c.K;
         adaptLocusGain(plot, n, 3, &K, 1.0, 10.0);
         EXPECT_DOUBLE_EQ(K, c.adapted) << c.K;
