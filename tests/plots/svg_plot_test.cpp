@@ -124,15 +124,21 @@ TEST_F(SvgPlotTest, NonFiniteValuesAreSkipped)
     EXPECT_EQ(doc.select_nodes("//*[local-name()='circle']").size(), 1u);
 }
 
-TEST_F(SvgPlotTest, ZeroMagnitudeSaysWhyNothingIsDrawn)
+/* Flat decibel curves: magnitude 0 has no point on the scale and says so; a flat 3
+** (9.54 dB) gets several tick labels around it, in a file of its own. */
+TEST_F(SvgPlotTest, FlatDecibelCurves)
 {
     magnitudeUnit.selected = MAGNITUDE_UNIT_DECIBELS;
-    HostBlock *block = frequencyPlot("Bode-Magnitude", std::vector<double>(10, 0.0));
-    finishPlot(block, 1, 1, 0xFF);
+    finishPlot(frequencyPlot("Bode-Magnitude", std::vector<double>(10, 0.0)), 1, 1, 0xFF);
     parse("Bode-Magnitude.svg");
     EXPECT_EQ(vertices(traces()[0].attribute("d").value()).size(), 0u);
     EXPECT_EQ(texts(doc, "empty-note"),
               std::vector<std::string>{"No point of the curves falls on this scale"});
+
+    finishPlot(frequencyPlot("Bode-Magnitude", std::vector<double>(20, 3.0)), 1, 1, 0xFF);
+    parse("Bode-Magnitude-2.svg");
+    EXPECT_EQ(vertices(traces()[0].attribute("d").value()).size(), 20u);
+    EXPECT_GE(texts(doc, "y-tick").size(), 4u);
 }
 
 TEST_F(SvgPlotTest, NyquistDrawsRealAgainstImaginary)
