@@ -1,7 +1,8 @@
 /*
 ** Eigenvalues: against LAPACK (dgeevx) on random and companion matrices, matched as
-** multisets; the hand-derived small cases in the order they deflate; the caller's
-** matrix left alone; orders outside the matrix and non-finite input.
+** multisets, also near the ends of the exponent range; the hand-derived small cases in
+** the order they deflate; the caller's matrix left alone; orders outside the matrix
+** and non-finite input.
 **
 ** Error bound.  Both solvers are backward stable: each returns the exact eigenvalues
 ** of A + E with ||E||_F <= c(n) eps ||A||_F.  For a simple eigenvalue with condition
@@ -159,6 +160,20 @@ TEST_F(Eigenvalues, RandomMatricesOfOrderOneToSixty)
     }
     EXPECT_EQ(platform::transcript().size(), 0u) << platform::transcriptText();
     RecordProperty("worstErrorOverTolerance", std::to_string(worst));
+}
+
+TEST_F(Eigenvalues, ExtremeScalesMatchLapack)
+{
+    std::mt19937_64 rng(7);
+    const std::vector<double> unit = randomSquare(rng, 6);
+    for (double scale : EXTREME_SCALES) {
+        std::vector<double> a(unit);
+        for (double &x : a)
+            x *= scale;
+        for (double d : matchDistances(ourEigen(a, 6), lapackEigen(a, 6).values))
+            EXPECT_LE(d, 1e-12 * scale) << scale;
+    }
+    EXPECT_EQ(platform::transcript().size(), 0u) << platform::transcriptText();
 }
 
 TEST_F(Eigenvalues, CompanionMatrices)

@@ -64,6 +64,10 @@ inline std::vector<double> randomMatrix(std::mt19937_64 &rng, int rows, int cols
 }
 inline std::vector<double> randomSquare(std::mt19937_64 &rng, int n) { return randomMatrix(rng, n, n); }
 
+/* Factors that take a unit matrix near the ends of the exponent range, where LAPACK is
+** still exact to rounding and a routine must neither overflow nor underflow of its own. */
+inline const double EXTREME_SCALES[] = {1e-300, 1e-165, 1e-160, 1e-155, 1e154, 1e155, 1e200, 1e300};
+
 inline double frobenius(const std::vector<double> &a)
 {
     double s = 0;

@@ -1,7 +1,8 @@
 /*
 ** Singular value decomposition against LAPACK (dgesvd, dgesv) and its own definition
-** (A = U W V^T, U and V orthonormal), then the hand-derived small cases (dropped
-** singular values, pseudo-inverse), bad shapes and non-finite input.
+** (A = U W V^T, U and V orthonormal), also near the ends of the exponent range; then
+** the hand-derived small cases (dropped singular values, pseudo-inverse), bad shapes
+** and non-finite input.
 **
 ** Bounds.  The decomposition is backward stable, so ||A - U W V^T||_F and the
 ** departures from orthogonality are at most c(n) eps ||A||_F with c(n) = 10 n.
@@ -106,6 +107,27 @@ TEST_F(Svd, SquareAndTallRandomMatrices)
     }
     RecordProperty("worstReconstruction", std::to_string(worst.reconstruction));
     RecordProperty("worstValues", std::to_string(worst.values));
+    EXPECT_EQ(platform::transcript().size(), 0u) << platform::transcriptText();
+}
+
+TEST_F(Svd, ExtremeScalesMatchLapack)
+{
+    std::mt19937_64 rng(7);
+    const std::vector<double> unit = randomSquare(rng, 6);
+    for (double scale : EXTREME_SCALES) {
+        std::vector<double> a(unit);
+        for (double &x : a)
+            x *= scale;
+        Matrix *u = toMatrix(a, 6, 6), *v = matDecl(6, 6);
+        std::vector<double> w(7);
+        EXPECT_EQ(svDecompose(u, w.data(), v), 1);
+        std::vector<double> ours(w.begin() + 1, w.end()), ref = lapackSingularValues(a, 6, 6);
+        std::sort(ours.rbegin(), ours.rend());
+        for (int k = 0; k < 6; k++)
+            EXPECT_LE(std::fabs(ours[k] - ref[k]), 1e-12 * scale) << scale;
+        gfree(u);
+        gfree(v);
+    }
     EXPECT_EQ(platform::transcript().size(), 0u) << platform::transcriptText();
 }
 
