@@ -22,6 +22,7 @@
 #include "shell/praxa.h"
 #include "shell/settings.h"
 #include "support.h"
+#include "support/plugin_plot.h"
 #include "xfer/xfer.h"
 
 namespace freqtest {
@@ -77,12 +78,7 @@ protected:
 
     static std::vector<double> points(HostBlock *plot, int trace = 0)
     {
-        const PlotTrace &t = plotRecordOf(plot)->traces[trace];
-        const double *values = (const double *)t.points.items;
-        std::vector<double> result;
-        for (uint32_t i = 0; values && i < t.points.count; i++)
-            result.push_back(values[i]);
-        return result;
+        return testing_support::tracePoints(plotRecordOf(plot), trace);
     }
     std::vector<double> magnitudes() const { return points(magnitudePlot); }
     std::vector<double> phases() const { return points(phasePlot); }

@@ -19,6 +19,7 @@
 #include "shell/plot_output.h"
 #include "shell/settings.h"
 #include "support.h"
+#include "support/plugin_plot.h"
 
 using Roots = std::vector<Complex>;
 
@@ -48,16 +49,8 @@ protected:
         frequencyRange = {50, 0.1, 100.0};
         frequencyUnit.selected = FREQUENCY_UNIT_RADIANS;
         negativeFrequencies = 0;
-        block = makePlotNode(0, 0);
+        block = testing_support::nyquistPlotBlock(frequencyRange);
         plot = plotRecordOf(block);
-        /* As the frequency response leaves the plot before it hands over. */
-        plot->flagsA |= PLOT_A_FIXED_SWEEP;
-        setupFrequencyPlot(plot, "Nyquist", &frequencyRange);
-        plot->flagsD |= PLOT_D_NYQUIST;
-        for (int k = 0; k < 2; k++) {
-            preallocDList(&plot->traces[k].points, &plot->pointIndex);
-            plot->traces[k].points.count = (uint32_t)frequencyRange.steps;
-        }
     }
 
     void TearDown() override

@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "host/host.h"
+#include "support/plugin_plot.h"
 #include "hostapp/host_state.h"
 #include "hostapp/plots.h"
 #include "platform/driver.h"
@@ -43,12 +44,7 @@ protected:
     {
         hostapp::resetHost();
         platform::clearTranscript();
-        const auto *info = ::testing::UnitTest::GetInstance()->current_test_info();
-        outputDir = std::filesystem::temp_directory_path() / "praxa-test-output" /
-                    (std::string(info->test_suite_name()) + "." + info->name());
-        std::filesystem::remove_all(outputDir);
-        std::filesystem::create_directories(outputDir);
-        hostapp::host().outputDir = outputDir.string();
+        outputDir = testing_support::useTestOutputDir();
         frequencyPlotCount = 0;
         rootLocusPlotCount = 0;
         frequencyRange = {50, 0.1, 100.0};
@@ -80,19 +76,11 @@ protected:
     /* A Nyquist plot with trace 0 = real parts and trace 1 = imaginary parts. */
     HostBlock *nyquistPlot(const std::vector<double> &re, const std::vector<double> &im)
     {
-        HostBlock *block = makePlotNode(0, 0);
-        PlotRecord *plot = plotRecordOf(block);
-        plot->flagsA |= PLOT_A_FIXED_SWEEP;
-        setupFrequencyPlot(plot, "Nyquist", &frequencyRange);
-        plot->flagsD |= PLOT_D_NYQUIST;
-        plot->yLabel[0] = '\0';
-        std::snprintf(plot->traces[1].label, sizeof plot->traces[1].label, "Imaginary");
-        std::snprintf(plot->traces[0].label, sizeof plot->traces[0].label, "Real");
-        plot->pointCount = (uint32_t)re.size();
+        RangeSettings range = frequencyRange;
+        range.steps = (int32_t)re.size();
+        HostBlock *block = testing_support::nyquistPlotBlock(range);
         for (int k = 0; k < 2; ++k) {
-            preallocDList(&plot->traces[k].points, &plot->pointIndex);
-            plot->traces[k].points.count = (uint32_t)re.size();
-            double *points = (double *)plot->traces[k].points.items;
+            double *points = (double *)plotRecordOf(block)->traces[k].points.items;
             for (size_t i = 0; i < re.size(); ++i)
                 points[i] = k == 0 ? re[i] : im[i];
         }

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "host/host.h"
+#include "support/plugin_plot.h"
 #include "hostapp/host_state.h"
 #include "support.h"
 #include "hostapp/plots.h"
@@ -77,12 +78,7 @@ protected:
         hostapp::resetHost();
         platform::resetWindowing();
         hostapp::host().mainWindow = platform::createMainWindow("Tervan");
-        const auto *info = ::testing::UnitTest::GetInstance()->current_test_info();
-        outputDir = std::filesystem::temp_directory_path() / "praxa-test-output" /
-                    (std::string(info->test_suite_name()) + "." + info->name());
-        std::filesystem::remove_all(outputDir);
-        std::filesystem::create_directories(outputDir);
-        hostapp::host().outputDir = outputDir.string();
+        outputDir = testing_support::useTestOutputDir();
         rootLocusPlotCount = 0;
         gainRange = {50, 0.0, 100.0};
         optionsMemory.autoRange = 0;
