@@ -54,7 +54,7 @@ TEST_F(CompensatorTest, ReplotDrawsTheLoopsBodePlotsAndThreeBranchRootLocus)
     ** |L(jw)| = 10 / (w sqrt(w^2 + 100)), arg L(jw) = -90 deg - atan(w / 10) */
     ASSERT_NE(bodeMagnitudePlot, nullptr);
     ASSERT_NE(bodePhasePlot, nullptr);
-    std::vector<double> magnitude = tracePoints(bodeMagnitudePlot), phase = tracePoints(bodePhasePlot);
+    std::vector<double> magnitude = tracePoints(plotRecordOf(bodeMagnitudePlot)), phase = tracePoints(plotRecordOf(bodePhasePlot));
     ASSERT_EQ(magnitude.size(), 50u);
     ASSERT_EQ(phase.size(), 50u);
     for (int k = 1; k <= 50; k++) {
@@ -156,7 +156,7 @@ TEST_F(CompensatorTest, MoreZerosThanPolesGetTheirBodePlotsButNoRootLocus)
         EXPECT_EQ(currentXfer.gain, currentXfer.gain);      /* not NaN */
         if (zeros == 3) {
             /* |L(jw)| = |(jw + 1)(jw + 2)(jw + 3)| / |jw (jw + 1)| at the first point, w = 0.1 */
-            std::vector<double> magnitude = tracePoints(bodeMagnitudePlot);
+            std::vector<double> magnitude = tracePoints(plotRecordOf(bodeMagnitudePlot));
             ASSERT_EQ(magnitude.size(), 50u);
             double w = 0.1;
             EXPECT_NEAR(magnitude[0], std::sqrt((w * w + 4) * (w * w + 9)) / w, 1e-9);
@@ -219,7 +219,7 @@ TEST_F(CompensatorTest, AComplexRootWithoutItsConjugateIsCompletedInBothPlots)
     std::complex<double> jw(0.0, w);
     double expected = std::abs((jw + std::complex<double>(2, -3)) * (jw + std::complex<double>(2, 3)) /
                                (jw * (jw + 1.0)));
-    EXPECT_NEAR(tracePoints(bodeMagnitudePlot).at(0), expected, 1e-9 * expected);
+    EXPECT_NEAR(tracePoints(plotRecordOf(bodeMagnitudePlot)).at(0), expected, 1e-9 * expected);
     /* Locus: every point solves s (s + 1) + k (s^2 + 4s + 13) = 0. */
     ASSERT_NE(rootLocusPlot, nullptr);
     const double *gains = plotRecordOf(rootLocusPlot)->paramInfo->parameters;
