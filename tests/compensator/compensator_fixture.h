@@ -22,10 +22,13 @@
 #include "shell/praxa.h"
 #include "shell/settings.h"
 #include "support.h"
+#include "support/plugin_plot.h"
 #include "tests/xfer/model.h"
 #include "xfer/xfer.h"
 
 namespace comptest {
+
+using testing_support::tracePoints;
 
 using platform::ActionKind;
 using platform::DialogAction;
@@ -159,14 +162,7 @@ protected:
     }
 };
 
-/* The points of a plot's first trace, and point `step` of root locus branch `branch`. */
-inline std::vector<double> tracePoints(HostBlock *plot)
-{
-    const PlotTrace &t = plotRecordOf(plot)->traces[0];
-    const double *values = (const double *)t.points.items;
-    return values ? std::vector<double>(values, values + t.points.count) : std::vector<double>{};
-}
-
+/* Point `step` of root locus branch `branch`. */
 inline Complex branchPoint(HostBlock *plot, int branch, int step)
 {
     PlotRecord *record = plotRecordOf(plot);
