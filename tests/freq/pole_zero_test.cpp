@@ -11,21 +11,12 @@
 #include <vector>
 
 #include "freq/pole_zero.h"
+#include "support/plugin_plot.h"
 
 namespace {
 
 using cd = std::complex<double>;
 const double PI = 3.141592653589793;
-
-cd reference(cd s, const std::vector<Complex> &zeros, const std::vector<Complex> &poles, double K)
-{
-    cd value = K;
-    for (const Complex &z : zeros)
-        value *= s - cd(z.re, z.im);
-    for (const Complex &p : poles)
-        value /= s - cd(p.re, p.im);
-    return value;
-}
 
 TEST(EvalPoleZero, AgreesWithComplexArithmeticOnRandomRoots)
 {
@@ -40,7 +31,7 @@ TEST(EvalPoleZero, AgreesWithComplexArithmeticOnRandomRoots)
         double K = u(random);
         Complex s = {u(random), u(random)};
         PoleZeroValue v = evalPoleZero(s, zeros.data(), (int32_t)zeros.size(), poles.data(), (int32_t)poles.size(), K);
-        cd expected = reference(cd(s.re, s.im), zeros, poles, K);
+        cd expected = testing_support::poleZeroResponse(cd(s.re, s.im), zeros, poles, K);
         SCOPED_TRACE(trial);
         EXPECT_NEAR(v.magnitude, std::abs(expected), 1e-10 * std::abs(expected));
         /* The angle is not wrapped, but it points the same way. */

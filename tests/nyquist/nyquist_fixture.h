@@ -1,7 +1,6 @@
 /*
 ** tests/nyquist/nyquist_fixture.h: a fresh host with the plug-in for each Nyquist test,
-** a plot block prepared the way the frequency response prepares a Nyquist plot, and an
-** independent evaluation of K·Π(s − z)/Π(s − p) with std::complex.
+** and a plot block prepared the way the frequency response prepares a Nyquist plot.
 */
 #ifndef TESTS_NYQUIST_FIXTURE_H
 #define TESTS_NYQUIST_FIXTURE_H
@@ -23,16 +22,7 @@
 
 using Roots = std::vector<Complex>;
 
-/* The response K·Π(s − z)/Π(s − p), evaluated as a complex product. */
-inline std::complex<double> reference(std::complex<double> s, const Roots &zeros, const Roots &poles, double K)
-{
-    std::complex<double> h = K;
-    for (const Complex &z : zeros)
-        h *= s - std::complex<double>(z.re, z.im);
-    for (const Complex &p : poles)
-        h /= s - std::complex<double>(p.re, p.im);
-    return h;
-}
+using testing_support::poleZeroResponse;
 
 class NyquistTest : public ::testing::Test {
 protected:
@@ -75,7 +65,7 @@ protected:
     /* Point p against the reference at s, to a relative 1e-9. */
     void expectPointAt(int p, std::complex<double> s, double K)
     {
-        std::complex<double> h = reference(s, zeros, poles, K);
+        std::complex<double> h = poleZeroResponse(s, zeros, poles, K);
         double tolerance = 1e-9 * std::max(1.0, std::abs(h));
         EXPECT_NEAR(X(p), h.real(), tolerance) << "point " << p << " at s = " << s;
         EXPECT_NEAR(Y(p), h.imag(), tolerance) << "point " << p << " at s = " << s;

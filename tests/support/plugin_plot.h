@@ -1,13 +1,14 @@
 /*
 ** tests/support/plugin_plot.h: what the plot tests share: a fresh output folder named for
 ** the running test, a Nyquist plot block prepared as the frequency response prepares
-** one, and the points of a trace read back.
+** one, the points of a trace read back, and the response they are checked against.
 */
 #ifndef PRAXA_TESTS_PLUGIN_PLOT_H
 #define PRAXA_TESTS_PLUGIN_PLOT_H
 
 #include <gtest/gtest.h>
 
+#include <complex>
 #include <cstdio>
 #include <filesystem>
 #include <string>
@@ -47,6 +48,18 @@ inline HostBlock *nyquistPlotBlock(RangeSettings range)
         plot->traces[k].points.count = (uint32_t)range.steps;
     }
     return block;
+}
+
+/* The response K prod(s - z) / prod(s - p), evaluated in complex arithmetic. */
+inline std::complex<double> poleZeroResponse(std::complex<double> s, const std::vector<Complex> &zeros,
+                                             const std::vector<Complex> &poles, double K)
+{
+    std::complex<double> h = K;
+    for (const Complex &z : zeros)
+        h *= s - std::complex<double>(z.re, z.im);
+    for (const Complex &p : poles)
+        h /= s - std::complex<double>(p.re, p.im);
+    return h;
 }
 
 /* The points trace k of a plot holds. */
