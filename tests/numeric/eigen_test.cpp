@@ -207,7 +207,7 @@ TEST_F(Eigenvalues, CompanionMatrices)
 }
 
 /* The hand-derived cases: exact roots in the order in which they deflate, a complex
-** pair with its negative imaginary part first. */
+** pair with its negative imaginary part first, a real one with +0 imaginary parts. */
 TEST_F(Eigenvalues, SmallCasesInDeflationOrder)
 {
     const struct {
@@ -219,6 +219,8 @@ TEST_F(Eigenvalues, SmallCasesInDeflationOrder)
         {1, {-2.5}, {{-2.5, 0}}, 0},
         {2, {0, 1, -2, -3}, {{-1, 0}, {-2, 0}}, 0},
         {2, {0, 1, -1, 0}, {{0, -1}, {0, 1}}, 0},
+        /* a double root: a real pair with +0 imaginary parts, which print as 0, not -0 */
+        {2, {0, 1, -1, -2}, {{-1, 0}, {-1, 0}}, 0},
         {3, {0, 1, 0, 0, 0, 1, -6, -11, -6}, {{-1, 0}, {-2, 0}, {-3, 0}}, 1e-12},
     };
     for (const auto &c : cases) {
@@ -231,6 +233,7 @@ TEST_F(Eigenvalues, SmallCasesInDeflationOrder)
         for (uint32_t k = 0; k < c.n; k++) {
             EXPECT_NEAR(roots[k].re, c.roots[k].re, c.tolerance) << "n=" << c.n << " root " << k;
             EXPECT_EQ(roots[k].im, c.roots[k].im) << "n=" << c.n << " root " << k;
+            EXPECT_EQ(std::signbit(roots[k].im), std::signbit(c.roots[k].im)) << "n=" << c.n << " root " << k;
         }
         gfree(a);
     }
