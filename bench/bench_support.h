@@ -17,7 +17,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "hostapp/host_state.h"
+#include "hostapp/in_process_host.h"
 #include "linearize/linearize.h"
 #include "platform/driver.h"
 #include "shell/praxa.h"
@@ -42,20 +42,7 @@ struct TempFolder {
 /* A fresh host and windowing system with the plug-in's entry points, output into folder. */
 inline void startHost(const std::string &folder)
 {
-    platform::resetWindowing();
-    hostapp::resetHost();
-    hostapp::HostState &host = hostapp::host();
-    host.settingsPath = folder + "/tervan.ini";
-    host.outputDir = folder;
-    host.plugin.init = praxaInit;
-    host.plugin.command = praxaCmd;
-    host.plugin.event = praxaEvent;
-    host.plugin.selectRefPoint = selLinRefPoint;
-    host.plugin.resetRefPoints = linResetRefPoints;
-    host.mainWindow = platform::createMainWindow("Tervan");
-    /* The plots the plug-in remembers belonged to the host just reset. */
-    bodeMagnitudePlot = bodePhasePlot = nyquistPlot = rootLocusPlot = nullptr;
-    praxaInit(host.mainWindow);
+    hostapp::startInProcessHost(folder + "/tervan.ini", folder);
 }
 
 /* The file of the loaded library whose name contains `part`, or "". */

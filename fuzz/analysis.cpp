@@ -18,7 +18,7 @@
 
 #include "freq/frequency_response.h"
 #include "host/host.h"
-#include "hostapp/host_state.h"
+#include "hostapp/in_process_host.h"
 #include "linearize/linearize.h"
 #include "numeric/matrix.h"
 #include "platform/driver.h"
@@ -87,16 +87,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     static const OutputFolder output;
     const std::string &outputDir = output.path;
-    platform::resetWindowing();
-    hostapp::resetHost();
-    hostapp::HostState &host = hostapp::host();
-    host.settingsPath = outputDir + "/tervan.ini";
-    host.outputDir = outputDir;
-    host.plugin.init = praxaInit;
-    host.plugin.command = praxaCmd;
-    host.plugin.event = praxaEvent;
-    host.mainWindow = platform::createMainWindow("Tervan");
-    praxaInit(host.mainWindow);
+    hostapp::startInProcessHost(outputDir + "/tervan.ini", outputDir);
 
     Input in{data, size};
     uint32_t n = 1 + in.byte() % MOST_STATES;

@@ -14,7 +14,7 @@
 
 #include "compensator/compensator.h"
 #include "host/host.h"
-#include "hostapp/host_state.h"
+#include "hostapp/in_process_host.h"
 #include "linearize/linearize.h"
 #include "numeric/matrix.h"
 #include "platform/driver.h"
@@ -36,20 +36,7 @@ TempDir::~TempDir()
 
 void startHostWithPlugin(const std::string &settingsPath, const std::string &outputDir)
 {
-    platform::resetWindowing();
-    hostapp::resetHost();
-    hostapp::HostState &host = hostapp::host();
-    host.settingsPath = settingsPath;
-    host.outputDir = outputDir;
-    host.plugin.init = praxaInit;
-    host.plugin.command = praxaCmd;
-    host.plugin.event = praxaEvent;
-    host.plugin.selectRefPoint = selLinRefPoint;
-    host.plugin.resetRefPoints = linResetRefPoints;
-    host.plugin.model = &stateSpaceModel;
-    host.plugin.samplePeriod = &samplePeriod;
-    host.mainWindow = platform::createMainWindow("Tervan");
-    praxaInit(host.mainWindow);
+    hostapp::startInProcessHost(settingsPath, outputDir);
 }
 
 void releasePluginRecords()
