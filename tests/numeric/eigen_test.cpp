@@ -24,34 +24,10 @@
 #include "numeric_support.h"
 
 using namespace testing_numeric;
-using cplx = std::complex<double>;
 
 namespace {
 
 const double eps = std::numeric_limits<double>::epsilon();
-
-struct Reference {
-    std::vector<cplx> values;
-    std::vector<double> rcond;          /* reciprocal condition number of each value */
-};
-
-Reference lapackEigen(std::vector<double> a, int n)
-{
-    Reference ref;
-    std::vector<double> wr(n), wi(n), vl((size_t)n * n), vr((size_t)n * n), scale(n),
-        rconde(n), rcondv(n);
-    lapack_int ilo, ihi;
-    double abnrm;
-    lapack_int info = LAPACKE_dgeevx(LAPACK_COL_MAJOR, 'B', 'V', 'V', 'E', n, a.data(), n,
-                                     wr.data(), wi.data(), vl.data(), n, vr.data(), n, &ilo,
-                                     &ihi, scale.data(), &abnrm, rconde.data(), rcondv.data());
-    EXPECT_EQ(info, 0);
-    for (int i = 0; i < n; i++) {
-        ref.values.emplace_back(wr[i], wi[i]);
-        ref.rcond.push_back(rconde[i]);
-    }
-    return ref;
-}
 
 std::vector<cplx> ourEigen(const std::vector<double> &a, int n)
 {
@@ -59,46 +35,7 @@ std::vector<cplx> ourEigen(const std::vector<double> &a, int n)
     std::vector<Complex> roots(n);
     eigenValues(roots.data(), m, n);
     gfree(m);
-    std::vector<cplx> out;
-    for (const Complex &r : roots)
-        out.emplace_back(r.re, r.im);
-    return out;
-}
-
-/* Pairs computed with reference values, closest pairs first; returns for each reference
-** index the distance to its partner. */
-std::vector<double> matchDistances(const std::vector<cplx> &ours, const std::vector<cplx> &ref)
-{
-    struct Pair { double d; size_t i, j; };
-    std::vector<Pair> pairs;
-    for (size_t i = 0; i < ours.size(); i++)
-        for (size_t j = 0; j < ref.size(); j++)
-            pairs.push_back({std::abs(ours[i] - ref[j]), i, j});
-    std::sort(pairs.begin(), pairs.end(), [](const Pair &x, const Pair &y) { return x.d < y.d; });
-    std::vector<bool> usedOurs(ours.size()), usedRef(ref.size());
-    std::vector<double> dist(ref.size(), INFINITY);
-    for (const Pair &p : pairs)
-        if (!usedOurs[p.i] && !usedRef[p.j]) {
-            usedOurs[p.i] = usedRef[p.j] = true;
-            dist[p.j] = p.d;
-        }
-    return dist;
-}
-
-/* Checks every eigenvalue against LAPACK within the first-order bound; returns the
-** largest error / tolerance ratio seen. */
-double expectMatchesLapack(const std::vector<double> &a, int n, const char *what)
-{
-    Reference ref = lapackEigen(a, n);
-    std::vector<cplx> ours = ourEigen(a, n);
-    std::vector<double> dist = matchDistances(ours, ref.values);
-    double norm = std::max(frobenius(a), 1e-300), worst = 0;
-    for (int j = 0; j < n; j++) {
-        double tol = 2 * 10 * n * eps * norm / std::max(ref.rcond[j], 1e-300);
-        EXPECT_LE(dist[j], tol) << what << " n=" << n << " value " << ref.values[j];
-        worst = std::max(worst, dist[j] / tol);
-    }
-    return worst;
+    return toCplx(roots);
 }
 
 /* Complex pairs come out adjacent, with equal real parts and the negative imaginary
@@ -113,6 +50,20 @@ void expectPairLayout(const std::vector<cplx> &ours)
             EXPECT_EQ(ours[k].imag(), -ours[k + 1].imag());
             k++;
         }
+}
+
+/* Checks every eigenvalue against LAPACK within the first-order bound, and the layout
+** of the pairs. */
+void expectMatchesLapack(const std::vector<double> &a, int n, const char *what)
+{
+    LapackEigen ref = lapackEigen(a, n);
+    std::vector<cplx> ours = ourEigen(a, n);
+    std::vector<double> dist = matchDistances(ours, ref.values);
+    double norm = std::max(frobenius(a), 1e-300);
+    for (int j = 0; j < n; j++)
+        EXPECT_LE(dist[j], 2 * 10 * n * eps * norm / std::max(ref.rcond[j], 1e-300))
+            << what << " n=" << n << " value " << ref.values[j];
+    expectPairLayout(ours);
 }
 
 /* Companion matrix of the monic polynomial with the given roots (rows (0 1 0 ..) ...,
@@ -144,10 +95,11 @@ protected:
     void SetUp() override { resetMessages(); }
 };
 
-TEST_F(Eigenvalues, RandomMatricesOfOrderOneToSixty)
+/* Also one matrix scaled by factors near the ends of the exponent range, where LAPACK is
+** still exact to rounding and the routine must neither overflow nor underflow of its own. */
+TEST_F(Eigenvalues, RandomMatricesOfOrderOneToSixtyAndExtremeScales)
 {
     std::mt19937_64 rng(20240611);
-    double worst = 0;
     for (int trial = 0; trial < 240; trial++) {
         int n = 1 + trial % 60;
         std::vector<double> a = randomSquare(rng, n);
@@ -155,18 +107,11 @@ TEST_F(Eigenvalues, RandomMatricesOfOrderOneToSixty)
             for (int j = 0; j < n; j++)
                 for (int i = 0; i < n; i++)
                     a[(size_t)j * n + i] *= std::ldexp(1.0, (i - j) * 3);
-        worst = std::max(worst, expectMatchesLapack(a, n, "random"));
-        expectPairLayout(ourEigen(a, n));
+        expectMatchesLapack(a, n, "random");
     }
-    EXPECT_EQ(platform::transcript().size(), 0u) << platform::transcriptText();
-    RecordProperty("worstErrorOverTolerance", std::to_string(worst));
-}
-
-TEST_F(Eigenvalues, ExtremeScalesMatchLapack)
-{
-    std::mt19937_64 rng(7);
+    rng.seed(7);
     const std::vector<double> unit = randomSquare(rng, 6);
-    for (double scale : EXTREME_SCALES) {
+    for (double scale : {1e-300, 1e-165, 1e-160, 1e-155, 1e154, 1e155, 1e200, 1e300}) {
         std::vector<double> a(unit);
         for (double &x : a)
             x *= scale;
@@ -193,7 +138,6 @@ TEST_F(Eigenvalues, CompanionMatrices)
         }
         std::vector<double> a = companionOf(roots);
         expectMatchesLapack(a, degree, "companion");
-        expectPairLayout(ourEigen(a, degree));
     }
     /* Roots of a Wilkinson-like product, against the exact roots 1 .. 10. */
     std::vector<cplx> wilkinson;
@@ -201,13 +145,14 @@ TEST_F(Eigenvalues, CompanionMatrices)
         wilkinson.emplace_back(k, 0.0);
     std::vector<double> a = companionOf(wilkinson);
     expectMatchesLapack(a, 10, "wilkinson");
-    std::vector<double> dist = matchDistances(ourEigen(a, 10), wilkinson);
-    for (double d : dist)
+    for (double d : matchDistances(ourEigen(a, 10), wilkinson))
         EXPECT_LT(d, 1e-6);
 }
 
 /* The hand-derived cases: exact roots in the order in which they deflate, a complex
-** pair with its negative imaginary part first, a real one with +0 imaginary parts. */
+** pair with its negative imaginary part first, a real one with +0 imaginary parts.  Each
+** is the top-left block of a larger matrix of noise, which must stay as it was: columns
+** are stepped by the matrix's rows, neither by the order nor by its columns. */
 TEST_F(Eigenvalues, SmallCasesInDeflationOrder)
 {
     const struct {
@@ -224,10 +169,13 @@ TEST_F(Eigenvalues, SmallCasesInDeflationOrder)
         {3, {0, 1, 0, 0, 0, 1, -6, -11, -6}, {{-1, 0}, {-2, 0}, {-3, 0}}, 1e-12},
     };
     for (const auto &c : cases) {
-        Matrix *a = matDecl(c.n, c.n);
+        Matrix *a = matDecl(c.n + 2, c.n + 3);
+        for (uint32_t k = 0; k < (c.n + 2) * (c.n + 3); k++)
+            a->data[k] = 3.0 + k % 7;
         for (uint32_t i = 0; i < c.n; i++)
             for (uint32_t j = 0; j < c.n; j++)
                 el(a, i, j) = c.rows[i * c.n + j];
+        std::vector<double> before = stored(a, (c.n + 2) * (c.n + 3));
         std::vector<Complex> roots(c.n, Complex{9, 9});
         eigenValues(roots.data(), a, (int32_t)c.n);
         for (uint32_t k = 0; k < c.n; k++) {
@@ -235,6 +183,7 @@ TEST_F(Eigenvalues, SmallCasesInDeflationOrder)
             EXPECT_EQ(roots[k].im, c.roots[k].im) << "n=" << c.n << " root " << k;
             EXPECT_EQ(std::signbit(roots[k].im), std::signbit(c.roots[k].im)) << "n=" << c.n << " root " << k;
         }
+        EXPECT_EQ(stored(a, before.size()), before) << "n=" << c.n;
         gfree(a);
     }
     EXPECT_EQ(platform::transcript().size(), 0u);
@@ -257,22 +206,7 @@ TEST_F(Eigenvalues, SmallCasesInDeflationOrder)
     }
 }
 
-TEST_F(Eigenvalues, TopLeftBlockOfLargerMatrixAndInputUntouched)
-{
-    /* 4x5 whose top-left 2x2 is [[0,1],[-2,-3]]; the rest is noise.  Columns are
-    ** stepped by the 4 rows, neither by the order nor by the 5 columns. */
-    Matrix *a = fromRows(4, 5, {0, 1, 7, 8, 3, -2, -3, 9, 1, 2, 5, 6, 3, 2, 1, 4, 4, 4, 4, 0});
-    std::vector<double> before(a->data, a->data + 20);
-    Complex roots[2];
-    eigenValues(roots, a, 2);
-    EXPECT_EQ(roots[0].re, -1.0);
-    EXPECT_EQ(roots[1].re, -2.0);
-    for (int k = 0; k < 20; k++)
-        EXPECT_EQ(a->data[k], before[k]);
-    gfree(a);
-}
-
-TEST_F(Eigenvalues, OrdersOutsideTheMatrix)
+TEST_F(Eigenvalues, OrdersOutsideTheMatrixAndNonFiniteInput)
 {
     Matrix *a = fromRows(2, 2, {1, 2, 3, 4});
     Complex roots[3] = {{9, 9}, {9, 9}, {9, 9}};
@@ -289,15 +223,10 @@ TEST_F(Eigenvalues, OrdersOutsideTheMatrix)
         EXPECT_EQ(r.im, 0.0);
     }
     gfree(a);
-}
 
-TEST_F(Eigenvalues, NonFiniteInputReportsAndReturns)
-{
-    const double inf = INFINITY, nan = NAN;
-    for (double bad : {inf, -inf, nan}) {
+    for (double bad : {INFINITY, -INFINITY, NAN}) {     /* reported, and NaN roots */
         resetMessages();
-        Matrix *a = fromRows(3, 3, {1, 2, 3, 4, bad, 6, 7, 8, 9});
-        Complex roots[3];
+        a = fromRows(3, 3, {1, 2, 3, 4, bad, 6, 7, 8, 9});
         eigenValues(roots, a, 3);
         EXPECT_EQ(linesWith("EigenSolver: over 15 iterations and only 0 roots"), 1);
         for (const Complex &r : roots)

@@ -1,6 +1,7 @@
 /*
 ** tests/numeric/matrix_exponential_test.cpp: e^A against closed forms: a rotation
-** (also one that needs many squarings), a Jordan block, a stiff diagonal; refusals.
+** (also one that needs many squarings), a Jordan block, a stiff diagonal, a norm just
+** below a power of 2; refusals, without a message.
 */
 #include <cmath>
 #include <limits>
@@ -9,6 +10,7 @@
 
 #include "host/host.h"
 #include "numeric/matrix_exponential.h"
+#include "platform/driver.h"
 #include "support.h"
 
 using testing_support::matrixFromRows;
@@ -25,6 +27,8 @@ TEST(MatrixExponential, ClosedForms)
         {"rotation by 40 rad", {0, 40, -40, 0}, {std::cos(40.0), std::sin(40.0), -std::sin(40.0), std::cos(40.0)}},
         {"Jordan block", {-3, 5, 0, -3}, {std::exp(-3.0), 5 * std::exp(-3.0), 0, std::exp(-3.0)}},
         {"stiff diagonal", {-50, 0, 0, 2}, {std::exp(-50.0), 0, 0, e * e}},
+        /* scaled by 2^-4 to 0.49, where the approximant is exact to rounding; at 0.99 it is not */
+        {"norm just below 8", {7.9, 0, 0, -3.9}, {std::exp(7.9), 0, 0, std::exp(-3.9)}},
         {"zero", {0, 0, 0, 0}, {1, 0, 0, 1}},
     };
     for (const Case &c : cases) {
@@ -44,6 +48,7 @@ TEST(MatrixExponential, ClosedForms)
 
 TEST(MatrixExponential, RefusesNonFiniteAndNonSquare)
 {
+    platform::clearTranscript();
     Matrix *result = matDecl(2, 2);
     result->data[0] = 7.0;
     Matrix *withNan = matrixFromRows(2, 2, {0, std::numeric_limits<double>::quiet_NaN(), 0, 0});
@@ -51,6 +56,7 @@ TEST(MatrixExponential, RefusesNonFiniteAndNonSquare)
     EXPECT_EQ(matExponential(result, withNan), 0);
     EXPECT_EQ(matExponential(result, wide), 0);
     EXPECT_EQ(result->data[0], 7.0);
+    EXPECT_EQ(platform::transcriptText(), "");
     gfree(wide);
     gfree(withNan);
     gfree(result);
