@@ -174,7 +174,8 @@ TEST_F(XferReference, RandomModelsMatchAnIndependentSolveAndLapack)
             ** far larger.  Without d, c b is nonzero: one zero fewer than poles. */
             Roots roots = expectTransferFunction(*m, feedThrough ? n : n - 1,
                                                  {0.0, {0.0, 0.3}, {0.0, 1.0}, {0.0, 3.0}, {0.0, 10.0}}, 1e-8);
-            poleSetsCompared += compareRootSets(roots.poles, lapackEigen({m->A->data, m->A->data + n * n}, n), "poles");
+            std::vector<double> a(m->A->data, m->A->data + n * n);
+            poleSetsCompared += compareRootSets(roots.poles, lapackEigen(a, n), "poles");
             zeroSetsCompared += compareRootSets(roots.zeros, lapackZeros(*m), "zeros");
         }
     EXPECT_GE(poleSetsCompared, 50);
