@@ -143,7 +143,8 @@ TEST_F(Sweep, ADegreeDropKeepsTheRootsEarlierStepsFound)
     EXPECT_EQ(branch(1)[0].im, stale.im);
 }
 
-/* Runs refused before any step: nothing drawn, no gains recorded, and the reason said. */
+/* Runs refused before any step: nothing drawn, no gains recorded, and the whole transcript
+** (nothing for too few steps or no poles). */
 TEST_F(Sweep, RefusedRunsDrawNothing)
 {
     const struct {
