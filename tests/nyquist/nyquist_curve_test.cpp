@@ -1,16 +1,14 @@
 /*
-** tests/nyquist/nyquist_curve_test.cpp: the Nyquist curve against hand-derived values of
-** the transfer function: automatic range and point counts, the mirror half, detours
-** around an integrator and around a pair of poles on the imaginary axis (with their
-** R∞ crossings worked out by hand), segment ends at or below zero, the sampled model.
+** tests/nyquist/nyquist_curve_test.cpp: the Nyquist curve against the transfer function:
+** automatic range and point counts, the mirror half, detours around an integrator and
+** around a pair of poles on the imaginary axis (R∞ crossings worked out by hand, and in
+** Hertz as the run finds them), the sampled model with and without a pole on the circle.
 */
 #include <algorithm>
 #include <cmath>
-#include <limits>
+#include <string>
 
 #include "tests/nyquist/nyquist_fixture.h"
-
-using platform::ActionKind;
 
 namespace {
 
@@ -28,160 +26,124 @@ void expectAscending(const double *W, int first, int last)
 
 /* ---- Without imaginary-axis poles -------------------------------------------- */
 
-TEST_F(NyquistTest, StableSystemRunsFromTheStaticGainOverTheAutomaticRange)
+TEST_F(NyquistTest, CurveRunsFromTheStaticGainOverTheAutomaticRange)
 {
-    /* G(s) = 2 / ((s + 1)(s + 2)): static gain 1, roots of magnitude 1 and 2. */
-    poles = {{-1, 0}, {-2, 0}};
-    arcPointCount = 77;
-    run(1.0, 2.0);
+    const struct {
+        const char *name;
+        Roots poles;
+        double K, unitFactor;
+        int negative;
+        double start, stop;     /* the automatic range, in the unit's numbers */
+    } rows[] = {
+        /* G(s) = 2 / ((s + 1)(s + 2)): static gain 1, roots of magnitude 1 and 2. */
+        {"2/((s+1)(s+2))", {{-1, 0}, {-2, 0}}, 2.0, 1.0, 0, 1e-5, 20.0},
+        /* Half the points on the grid; the conjugate half follows them from the negative top
+        ** towards 0. */
+        {"with negative frequencies", {{-1, 0}, {-2, 0}}, 2.0, 1.0, 1, 1e-5, 20.0},
+        /* Ten times the largest root, 2e5, is held at 100000; in Hertz every frequency is 2π·f. */
+        {"in Hertz, stop held", {{-20000, 0}, {-1, 0}}, 20000.0, 2 * PI, 0, 1e-5, 100000.0},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.name);
+        poles = row.poles;
+        frequencyRange = {50, 0.1, 100.0};
+        negativeFrequencies = row.negative;
+        arcPointCount = 77;
+        gfree(W);
+        run(row.unitFactor, row.K);
+        EXPECT_EQ(frequencyRange.steps, 1000);      /* 50 raised to 1000 */
+        EXPECT_DOUBLE_EQ(frequencyRange.start, row.start);
+        EXPECT_DOUBLE_EQ(frequencyRange.stop, row.stop);
+        EXPECT_EQ(plot->pointCount, 1000u);
+        ASSERT_EQ(count(), 1000u);
+        EXPECT_EQ(plot->traces[1].points.count, 1000u);
+        EXPECT_EQ(arcPointCount, 77);               /* only set when there are detours */
+        EXPECT_EQ(nyquistInfinity, 10.0);
+        EXPECT_EQ(transcript(), "");                /* no notice, no dialog */
 
-    EXPECT_EQ(frequencyRange.steps, 1000);      /* 50 raised to 1000 */
-    EXPECT_DOUBLE_EQ(frequencyRange.start, 1e-5);
-    EXPECT_DOUBLE_EQ(frequencyRange.stop, 20.0);
-    EXPECT_EQ(plot->pointCount, 1000u);
-    EXPECT_EQ(plot->traces[1].points.count, 1000u);
-    EXPECT_EQ(arcPointCount, 77);               /* only set when there are detours */
-    EXPECT_EQ(nyquistInfinity, 10.0);
-    EXPECT_EQ(transcript(), "");                /* no notice, no dialog */
-
-    EXPECT_EQ(W[0], 0.0);
-    EXPECT_EQ(X(1), 1.0);
-    EXPECT_EQ(Y(1), 0.0);
-    double step = (std::log10(20.0) + 5.0) / 1000;
-    EXPECT_DOUBLE_EQ(W[1], 1e-5);
-    EXPECT_NEAR(W[1000], 20.0 / std::pow(10.0, step), 1e-9);   /* one step below stop */
-    for (int p = 1; p <= 1000; p++)
-        expectPointAt(p, {0.0, W[p - 1]}, 2.0);
-    /* At the top of the grid, ω ≈ 19.7: G ≈ −2/ω², just left of the origin. */
-    EXPECT_LT(X(1000), 0.0);
-    EXPECT_LT(std::hypot(X(1000), Y(1000)), 2.0 / (W[999] * W[999]));
-    EXPECT_GT(std::hypot(X(1000), Y(1000)), 0.98 * 2.0 / (W[999] * W[999]));
-}
-
-TEST_F(NyquistTest, NegativeFrequenciesDrawTheConjugateHalfFromTheNegativeTop)
-{
-    poles = {{-1, 0}, {-2, 0}};
-    negativeFrequencies = 1;
-    run(1.0, 2.0);
-    ASSERT_EQ(count(), 1000u);
-    const int half = 500;
-    double step = (std::log10(20.0) + 5.0) / half;
-    EXPECT_NEAR(W[half], 20.0 / std::pow(10.0, step), 1e-9);
-    EXPECT_EQ(W[half + 1], -W[half]);
-    EXPECT_EQ(W[2 * half], -W[1]);
-    expectAscending(W, half + 1, 2 * half);     /* from the negative top towards 0 */
-    for (int j = 1; j < half; j++) {
-        EXPECT_EQ(X(half + 1 + j), X(half + 2 - j)) << j;
-        EXPECT_EQ(Y(half + 1 + j), -Y(half + 2 - j)) << j;
+        /* W from 0, then from start up to one step below stop, in rad/s. */
+        const int half = row.negative ? 500 : 1000;
+        double top = row.stop * row.unitFactor / std::pow(row.stop / row.start, 1.0 / half);
+        EXPECT_EQ(W[0], 0.0);
+        EXPECT_DOUBLE_EQ(W[1], row.start * row.unitFactor);
+        EXPECT_NEAR(W[half], top, 1e-12 * top);
+        for (int p = 1; p <= 1000; p++)
+            expectPointAt(p, {0.0, W[p - 1]}, row.K);
+        if (row.negative) {
+            EXPECT_EQ(W[half + 1], -W[half]);
+            EXPECT_EQ(W[2 * half], -W[1]);
+            expectAscending(W, half + 1, 2 * half);
+            for (int j = 1; j < half; j++) {
+                EXPECT_EQ(X(half + 1 + j), X(half + 2 - j)) << j;
+                EXPECT_EQ(Y(half + 1 + j), -Y(half + 2 - j)) << j;
+            }
+        }
     }
-    for (int p = 1; p <= 1000; p += 13)
-        expectPointAt(p, {0.0, W[p - 1]}, 2.0);
-    EXPECT_EQ(transcript(), "");
-}
-
-TEST_F(NyquistTest, RangeIsClampedAndTheFrequencyUnitScalesTheGrid)
-{
-    /* Ten times the largest root, 2e5, is held at 100000; in Hertz every frequency is 2π·f. */
-    poles = {{-20000, 0}, {-1, 0}};
-    run(2 * PI, 20000.0);
-    EXPECT_EQ(frequencyRange.stop, 100000.0);
-    EXPECT_DOUBLE_EQ(frequencyRange.start, 1e-5);
-    EXPECT_DOUBLE_EQ(W[1], 2 * PI * 1e-5);
-    EXPECT_LT(W[1000], 2 * PI * 100000.0);
-    EXPECT_GT(W[1000], 2 * PI * 95000.0);
-    expectPointAt(1, 0.0, 20000.0);
-    expectPointAt(1000, {0.0, W[999]}, 20000.0);
 }
 
 /* ---- Detours around imaginary-axis poles ------------------------------------- */
 
-TEST_F(NyquistTest, IntegratorGetsOneHalfCircleAroundTheOriginAfterTheNoticeAndTheDialog)
+/* Each row: the poles, the unit, the counts, the range, ρ (where the response crosses R∞ =
+** 10), W at the ends of the blocks the curve is sorted into, and the first half circle
+** (positions 251 on), point by point.  (The notice and the dialog before the curve are the
+** dialog test's.) */
+TEST_F(NyquistTest, DetoursGoAroundAxisPolesAndTheCurveIsSortedByFrequency)
 {
-    /* G(s) = 1 / (s (s + 1)): on the axis X = −1/(1 + ω²), Y = −1/(ω (1 + ω²)).  The
-    ** crossing search from ωmid = 5 halves to 0.078125 (|Y| 12.7, too close), steps out
-    ** to 0.1171875 (8.4, too far), back to 0.09765625 (10.14, within 10 %): ρ. */
-    poles = {{0, 0}, {-1, 0}};
-    run(1.0, 1.0);
-    EXPECT_EQ(transcript(),
-              "[ JW-Poles]  Poles detected on the imaginary axis, There will be circles at infinity\n"
-              "[dialog] Nyquist\n"
-              "  static -1 \"Nyquist Infinity:\"\n"
-              "  edit 901 \"10\"\n"
-              "  default-button 1 \"&Ok\"\n"
-              "  button 9 \"Help\"\n"
-              "  > default 1\n"
-              "[end] Nyquist: 1\n");
-    const int M = 500, total = 1000;            /* M = 2·1·⌊1000/4⌋, N′ = 2·nJ·M */
-    EXPECT_EQ(arcPointCount, M);
-    EXPECT_EQ(count(), (uint32_t)total);
-    EXPECT_EQ(plot->pointCount, (uint32_t)total);
-    EXPECT_EQ(frequencyRange.steps, total);
-    EXPECT_EQ(frequencyRange.start, 1e-6);
-    EXPECT_EQ(frequencyRange.stop, 10.0);
-
-    const double rho = 0.09765625;
-    /* Sorted: upper segment mirrored (1 … 250), the half circle (251 … 750), the upper segment. */
-    expectAscending(W, 1, total);
-    EXPECT_NEAR(W[1], -10.0, 1e-9);
-    EXPECT_NEAR(W[250], -rho, 1e-15);
-    EXPECT_EQ(W[251], -rho);
-    EXPECT_NEAR(W[750], rho, 1e-15);
-    EXPECT_NEAR(W[751], rho, 1e-15);
-    EXPECT_NEAR(W[total], 10.0, 1e-9);
-    for (int j = 0; j < M; j++) {
-        double phi = j * PI / (M - 1) - PI / 2;
-        EXPECT_NEAR(W[251 + j], rho * std::sin(phi), 1e-15);
-        expectPointAt(251 + j, {rho * std::cos(phi), rho * std::sin(phi)}, 1.0);
-    }
-    for (int p : {1, 100, 250, 751, 900, 1000})
-        expectPointAt(p, {0.0, W[p]}, 1.0);
-    /* The half circle starts just below the pole: the conjugate of G(jρ). */
-    EXPECT_NEAR(X(251), -0.990553347138042, 1e-9);
-    EXPECT_NEAR(Y(251), 10.14326627469355, 1e-9);
-    EXPECT_NEAR(Y(750), -10.14326627469355, 1e-9);
-}
-
-TEST_F(NyquistTest, PolePairOnTheAxisIsPassedOnBothSidesAndTheCurveIsSortedByFrequency)
-{
-    /* G(s) = 1 / (s² + 4): real on the axis, 1/(4 − ω²).  From ωmid = 11 the search halves
-    ** down to 2.017578125 (|X| 14.2, too close) and steps out to 2.0263671875 (9.42): ρ. */
-    poles = {{0, 2}, {0, -2}};
-    run(1.0, 1.0);
-    EXPECT_NE(transcript().find("[ JW-Poles]  Poles detected"), std::string::npos);
-    const int M = 500, h = 250, total = 1500;   /* N′ = (2·nJ + 1)·M */
-    EXPECT_EQ(arcPointCount, M);
-    ASSERT_EQ(count(), (uint32_t)total);
-    EXPECT_EQ(frequencyRange.steps, total);
-    EXPECT_DOUBLE_EQ(frequencyRange.start, 2e-5);
-    EXPECT_EQ(frequencyRange.stop, 20.0);
-
-    const double rho = 2.0263671875, r = rho - 2.0;
-    expectAscending(W, 1, total);
-    /* Blocks of h: upper mirrored, detour at −j2, lower mirrored, lower, detour at +j2, upper. */
-    EXPECT_NEAR(W[1], -20.0, 1e-9);
-    EXPECT_EQ(W[2 * h - h + 1], -2.0 - r);
-    EXPECT_NEAR(W[2 * h], -2.0 + r, 1e-15);
-    EXPECT_NEAR(W[3 * h], -2e-5, 1e-15);
-    EXPECT_NEAR(W[3 * h + 1], 2e-5, 1e-15);
-    EXPECT_NEAR(W[4 * h], 2.0 - r, 1e-12);
-    EXPECT_EQ(W[4 * h + 1], 2.0 - r);
-    EXPECT_NEAR(W[5 * h], 2.0 + r, 1e-15);
-    EXPECT_NEAR(W[5 * h + 1], rho, 1e-12);
-    EXPECT_NEAR(W[total], 20.0, 1e-9);
-
-    for (int p = 1; p <= total; p++) {
-        bool below = p > h && p <= 2 * h, above = p > 4 * h && p <= 5 * h;
-        if (below || above) {
-            int j = (p - 1) % h;
-            double phi = j * PI / (h - 1) - PI / 2;
-            expectPointAt(p, {r * std::cos(phi), (above ? 2.0 : -2.0) + r * std::sin(phi)}, 1.0);
-        } else {
-            expectPointAt(p, {0.0, W[p]}, 1.0);
+    const double r = 2.0263671875 - 2.0, top = 20 * PI;
+    const struct {
+        const char *name;
+        Roots poles;
+        double unitFactor;
+        int M, total, arcCount;
+        double start, stop, omega0, rho;    /* ρ 0: as the run's own search finds it */
+        std::vector<std::pair<int, double>> ends;
+    } rows[] = {
+        /* G(s) = 1 / (s (s + 1)): on the axis X = −1/(1 + ω²), Y = −1/(ω (1 + ω²)).  The
+        ** crossing search from ωmid = 5 halves to 0.078125 (|Y| 12.7, too close), steps out
+        ** to 0.1171875 (8.4, too far), back to 0.09765625 (10.14, within 10 %): ρ.
+        ** M = 2·1·⌊1000/4⌋, N′ = 2·nJ·M; the upper segment mirrored (1 … 250), the half
+        ** circle (251 … 750), the upper segment. */
+        {"integrator", {{0, 0}, {-1, 0}}, 1.0, 500, 1000, 500, 1e-6, 10.0, 0.0, 0.09765625,
+         {{1, -10.0}, {250, -0.09765625}, {251, -0.09765625}, {750, 0.09765625}, {751, 0.09765625}, {1000, 10.0}}},
+        /* G(s) = 1 / (s² + 4): real on the axis, 1/(4 − ω²).  From ωmid = 11 the search halves
+        ** down to 2.017578125 (|X| 14.2, too close) and steps out to 2.0263671875 (9.42): ρ.
+        ** N′ = (2·nJ + 1)·M in blocks of 250: upper mirrored, detour at −j2, lower mirrored,
+        ** lower, detour at +j2, upper. */
+        {"pole pair", {{0, 2}, {0, -2}}, 1.0, 500, 1500, 250, 2e-5, 20.0, 2.0, 2.0263671875,
+         {{1, -20.0}, {251, -2.0 - r}, {500, -2.0 + r}, {750, -2e-5}, {751, 2e-5}, {1000, 2.0 - r}, {1001, 2.0 - r},
+          {1250, 2.0 + r}, {1251, 2.0 + r}, {1500, 20.0}}},
+        /* In Hertz the range's numbers are scaled by 2π, the poles and detours stay in rad/s. */
+        {"integrator in Hertz", {{0, 0}, {-1, 0}}, 2 * PI, 500, 1000, 500, 1e-6, 10.0, 0.0, 0.0,
+         {{1, -top}, {1000, top}}},
+        {"pole pair in Hertz", {{0, -1}, {0, 1}}, 2 * PI, 500, 1500, 250, 1e-5, 10.0, 1.0, 0.0,
+         {{1, -top}, {750, -2 * PI * 1e-5}, {751, 2 * PI * 1e-5}, {1500, top}}},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.name);
+        poles = row.poles;
+        frequencyRange = {50, 0.1, 100.0};
+        gfree(W);
+        run(row.unitFactor, 1.0);
+        EXPECT_EQ(arcPointCount, row.M);
+        ASSERT_EQ(count(), (uint32_t)row.total);
+        EXPECT_EQ(plot->pointCount, (uint32_t)row.total);
+        EXPECT_EQ(frequencyRange.steps, row.total);
+        EXPECT_DOUBLE_EQ(frequencyRange.start, row.start);
+        EXPECT_EQ(frequencyRange.stop, row.stop);
+        expectAscending(W, 1, row.total);
+        for (auto [p, w] : row.ends)
+            EXPECT_NEAR(W[p], w, 1e-13 * std::fabs(w)) << "position " << p;
+        NyquistSystem system{nullptr, 0, poles.data(), (int32_t)poles.size(), 1.0};
+        double rr = (row.rho > 0.0 ? row.rho : infinityCrossing(row.omega0, (row.omega0 + top) / 2, system)) -
+                    row.omega0;
+        for (int j = 0; j < row.arcCount; j++) {
+            double phi = j * PI / (row.arcCount - 1) - PI / 2;
+            EXPECT_NEAR(W[251 + j], -row.omega0 + rr * std::sin(phi), 1e-15) << j;
+            expectPointAt(251 + j, {rr * std::cos(phi), -row.omega0 + rr * std::sin(phi)}, 1.0);
         }
+        /* The M arc points, but for ends on the axis or segment ends within rounding of ρ. */
+        EXPECT_NEAR(expectOnDetouredPath(row.omega0, rr, 1.0), row.M, 4);
     }
-    /* Static gain 1/4 at the lowest frequencies; on the detour the response reaches ±1/(2r·2). */
-    EXPECT_NEAR(X(3 * h + 1), 0.25, 1e-9);
-    EXPECT_NEAR(std::hypot(X(4 * h + h / 2), Y(4 * h + h / 2)), 1.0 / (r * (4.0 + r)), 0.5);
 }
 
 /* ---- The sampled model ------------------------------------------------------- */
@@ -205,13 +167,19 @@ TEST_F(NyquistTest, SampledModelIsEvaluatedOnTheUnitCircle)
     EXPECT_NEAR(Y(1), -0.3915099897834723, 1e-12);
     EXPECT_NEAR(X(1000), 2.0, 1e-12);           /* θ = 2π: z = 1 */
     EXPECT_NEAR(Y(1000), 0.0, 1e-12);
-    double step = (std::log10(2 * PI) - std::log10(0.1)) / 999;
-    for (int p = 1; p <= 1000; p += 9) {
-        double theta = std::pow(10.0, std::log10(0.1) + (p - 1) * step);
-        expectPointAt(p, std::polar(1.0, theta), 1.0);
-        /* The image of the unit circle: the circle through 2 (z = 1) and −2/3 (z = −1). */
+    EXPECT_EQ(expectSampledCurve(1.0, 1.0), 0);
+    /* The image of the unit circle: the circle through 2 (z = 1) and −2/3 (z = −1). */
+    for (int p = 1; p <= 1000; p++)
         EXPECT_NEAR(std::hypot(X(p) - 2.0 / 3.0, Y(p)), 4.0 / 3.0, 1e-12);
-    }
     EXPECT_EQ(plot->paramInfo, nullptr);
     EXPECT_EQ(transcript(), "");
+
+    /* 0.1 (z + 0.5)/((z - 1)(z - 0.5)) in Hertz up to 1 Hz: θ = 2π lands on the pole z = 1. */
+    zeros = {{-0.5, 0}};
+    poles = {{1, 0}, {0.5, 0}};
+    frequencyRange = {1000, 1e-4, 1.0};
+    prepareSampledNyquist(plot);
+    nyquistResponseSampled(1, 2, poles.data(), zeros.data(), (double *)plot->traces[0].points.items,
+                           (double *)plot->traces[1].points.items, 2 * PI, 0.1);
+    EXPECT_GT(expectSampledCurve(2 * PI, 0.1), 100);
 }

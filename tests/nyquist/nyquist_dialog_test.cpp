@@ -1,6 +1,7 @@
 /*
 ** tests/nyquist/nyquist_dialog_test.cpp: the NYQUISTINFINITI dialog as a Nyquist run
-** opens it: refused and accepted entries, Esc, the Help button, and the template.
+** opens it after its notice: the default button, refused and accepted entries, a large
+** value, Esc, the Help button, and the template.
 */
 #include <cmath>
 
@@ -44,6 +45,8 @@ TEST_F(NyquistDialog, EntriesBelowTwoAreRefusedEscKeepsTheValueHelpIsNotHandled)
         double infinity;
         double detourStart;
     } rows[] = {
+        /* See the integrator's curve test for the crossing search with the default R = 10. */
+        {"nothing typed, the default button", {}, "  > default 1\n[end] Nyquist: 1\n", 10.0, -0.09765625},
         /* With R = 2 the crossing search ends at 0.4296875 (|Y| = 1.96). */
         {"1.5 refused, 2 accepted",
          {{"", ActionKind::Type, IDC_NYQUIST_INFINITY, "1.5", 0}, {"", ActionKind::Click, IDOK, "", 0},
@@ -59,6 +62,11 @@ TEST_F(NyquistDialog, EntriesBelowTwoAreRefusedEscKeepsTheValueHelpIsNotHandled)
          "  > type 901 \"abc\"\n  > click 1\n[Error]  The value for infinity must be >= 2\n"
          "  > type 901 \"nan\"\n  > click 1\n[end] Nyquist: 1\n",
          NAN, -5.0},
+        /* With R = 1e6 the search takes all its 26 evaluations: halving from 5 down to
+        ** 5.96e-7 (too close), then two steps out to 1.043081283569336e-06 (|Y| = 958698). */
+        {"a large value",
+         {{"", ActionKind::Type, IDC_NYQUIST_INFINITY, "1e6", 0}, {"", ActionKind::Click, IDOK, "", 0}},
+         "  > type 901 \"1e6\"\n  > click 1\n[end] Nyquist: 1\n", 1e6, -1.043081283569336e-06},
         {"Esc keeps the value, Help does nothing",
          {{"", ActionKind::Type, IDC_NYQUIST_INFINITY, "50", 0}, {"", ActionKind::Click, IDC_HELP, "", 0},
           {"", ActionKind::Cancel, 0, "", 0}},

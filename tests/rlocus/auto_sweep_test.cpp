@@ -1,7 +1,7 @@
 /*
 ** The automatic mode: adapted steps that still sit on the closed-loop roots, the first
-** step kept small, the snapped break-away point, the gain held once the locus has spread,
-** and the branches recorded at each zero.
+** step kept small, the gain held once the locus has spread, the break-away snap (only
+** within a hundredth of the box), and the branches recorded at each zero.
 */
 #include <numbers>
 
@@ -33,11 +33,14 @@ protected:
     }
 };
 
-TEST_F(AutoSweep, AdaptedStepsSitOnTheClosedLoopRootsOfTheirGains)
+TEST_F(AutoSweep, AdaptedStepsSitOnTheRootsOfTheirGainsUntilTheGainIsHeld)
 {
+    /* K/(s(s+1)(s+2)): S = 4; from step 20 on the extent is tracked, and once a step takes
+    ** it beyond 8 every remaining step repeats the gain already advanced to, so the
+    ** branches stop growing. */
     useLoop({1}, {0, 2, 3});
     gainRange.start = 5.0;
-    run();
+    double extreme = run();
     EXPECT_EQ(gainRange.start, 0.0) << "the automatic range starts at 0, in memory";
     std::vector<double> K = gains();
     EXPECT_EQ(K[0], 0.0);
@@ -45,9 +48,36 @@ TEST_F(AutoSweep, AdaptedStepsSitOnTheClosedLoopRootsOfTheirGains)
         EXPECT_GE(K[s], K[s - 1]) << s;
         expectStepMatchesLapack(s, 1e-7 * std::max(1.0, std::cbrt(K[s])));
     }
-    /* The first step is halved until no root moves more than max(1, S)/100 (S = 4). */
+    /* The first step is halved until no root moves more than max(1, S)/100. */
     for (int j = 0; j < 3; ++j)
         EXPECT_LE(distance(branch(j)[1], branch(j)[0]), 0.04);
+
+    int crossed = 49;
+    while (crossed > 0 && K[crossed - 1] == K[49])
+        --crossed;
+    ASSERT_LT(crossed, 49) << "the gain is held over the last steps";
+    ASSERT_GT(crossed, 20);
+    double before = 0.0, through = 0.0;
+    for (int s = 19; s < crossed; ++s)
+        for (int j = 0; j < 3; ++j) {
+            Complex p = branch(j)[s];
+            double spread = std::max(std::fabs(p.re), std::fabs(p.im));
+            through = std::max(through, spread);
+            if (s < crossed - 1)
+                before = std::max(before, spread);
+        }
+    EXPECT_GT(through, 8.0) << "the step before the held ones crossed twice the box";
+    EXPECT_LE(before, 8.0);
+    EXPECT_GT(K[crossed], K[crossed - 1]) << "the held gain is the one already advanced to";
+    for (int j = 0; j < 3; ++j)
+        for (int s = crossed; s < 50; ++s) {
+            EXPECT_EQ(branch(j)[s].re, branch(j)[crossed].re);
+            EXPECT_EQ(branch(j)[s].im, branch(j)[crossed].im);
+        }
+    /* The returned extreme is the real branch at the held gain, signed. */
+    std::vector<Complex> last = lapackRoots(closedLoop(K[49]));
+    EXPECT_NEAR(extreme, last[0].re, 1e-9 * std::fabs(last[0].re));
+    EXPECT_LT(extreme, -8.0);
 }
 
 TEST_F(AutoSweep, StepThatHardlyMovesTheRootsGrowsByHalfItsGain)
@@ -80,42 +110,6 @@ TEST_F(AutoSweep, StepThatHardlyMovesTheRootsGrowsByHalfItsGain)
     endLocusRun();
 }
 
-TEST_F(AutoSweep, GainIsHeldOnceTheLocusSpreadsBeyondTwiceTheBox)
-{
-    /* K/(s(s+1)(s+2)): S = 4; from step 20 on the extent is tracked, and once a step takes
-    ** it beyond 8 every remaining step repeats the gain already advanced to, so the
-    ** branches stop growing. */
-    useLoop({1}, {0, 2, 3});
-    double extreme = run();
-    std::vector<double> K = gains();
-    int crossed = 49;
-    while (crossed > 0 && K[crossed - 1] == K[49])
-        --crossed;
-    ASSERT_LT(crossed, 49) << "the gain is held over the last steps";
-    ASSERT_GT(crossed, 20);
-    double before = 0.0, through = 0.0;
-    for (int s = 19; s < crossed; ++s)
-        for (int j = 0; j < 3; ++j) {
-            Complex p = branch(j)[s];
-            double spread = std::max(std::fabs(p.re), std::fabs(p.im));
-            through = std::max(through, spread);
-            if (s < crossed - 1)
-                before = std::max(before, spread);
-        }
-    EXPECT_GT(through, 8.0) << "the step before the held ones crossed twice the box";
-    EXPECT_LE(before, 8.0);
-    EXPECT_GT(K[crossed], K[crossed - 1]) << "the held gain is the one already advanced to";
-    for (int j = 0; j < 3; ++j)
-        for (int s = crossed; s < 50; ++s) {
-            EXPECT_EQ(branch(j)[s].re, branch(j)[crossed].re);
-            EXPECT_EQ(branch(j)[s].im, branch(j)[crossed].im);
-        }
-    /* The returned extreme is the real branch at the held gain, signed. */
-    std::vector<Complex> last = lapackRoots(closedLoop(K[49]));
-    EXPECT_NEAR(extreme, last[0].re, 1e-9 * std::fabs(last[0].re));
-    EXPECT_LT(extreme, -8.0);
-}
-
 TEST_F(AutoSweep, BranchesLeaveTheRealAxisVerticallyFromTheBreakAwayPoint)
 {
     /* 1/((s+1)(s+2)) meets at -1.5.  With 51 steps a step lands just past the break-away
@@ -142,47 +136,60 @@ TEST_F(AutoSweep, BranchesLeaveTheRealAxisVerticallyFromTheBreakAwayPoint)
     EXPECT_NE(a[split - 2].re, b[split - 2].re);
 }
 
-TEST_F(AutoSweep, BreakAwayWithoutAMirrorImageStillMovesTheBranchsOwnPoint)
+TEST_F(AutoSweep, BreakAwaySnapsOnlyWithinAHundredthOfTheBox)
 {
-    /* (s+1)(s+2) + K leaves the axis at -1.5 for K = 1/4.  Branch 1 holds the roots on the
-    ** -1 side at K = 0, 0.2 and 0.24 (-1.4); branch 0 lies beyond the tracking's reach
-    ** (1e101), so at step 3 both roots of the pair land on branch 1 and no branch is its
-    ** mirror image.  Step 3 from 0.5 is halved to 0.25625 (-1.5 +- j 0.079), a small
-    ** enough step: branch 1's point at step 2 moves to -1.5 all the same, and the halving
-    ** goes on below the break-away gain. */
+    /* (s+1)(s+2) + K: -1.5 +- sqrt(1/4 - K), leaving the axis at K = 1/4.  Each row holds
+    ** branches 0 and 1 at steps 0-2, then adapts step 3 from K0 after the gain of step 2.  A
+    ** small step whose branch has just left the axis, by at most a hundredth of the box,
+    ** moves the points of step 2 onto its real part; a step further off is halved. */
+    const struct {
+        const char *what;
+        Complex first[3], second[3];
+        double K0, previousK, box, adapted;
+        double atStep2[2];      /* the real parts of the branches at step 2 afterwards */
+        bool realAtStep3;
+    } rows[] = {
+        /* Steps at K = 0, 0.24, 0.2491 (the last at -1.5 +- 0.03), K0 = 0.2491 + 16 d, box 1;
+        ** four halvings make the step small (below a tenth of 16 d).  d = 0.000936: at
+        ** 0.250036, 0.006 off the axis, snapped and kept. */
+        {"within a hundredth", {{-1, 0}, {-1.4, 0}, {-1.47, 0}}, {{-2, 0}, {-1.6, 0}, {-1.53, 0}},
+         0.2491 + 16 * 0.000936, 0.2491, 1.0, 0.250036, {-1.5, -1.5}, false},
+        /* d = 0.0013: at 0.2504, 0.02 off the axis, halved once more, back onto the axis */
+        {"further off", {{-1, 0}, {-1.4, 0}, {-1.47, 0}}, {{-2, 0}, {-1.6, 0}, {-1.53, 0}},
+         0.2491 + 16 * 0.0013, 0.2491, 1.0, 0.2491 + 0.0013 / 2, {-1.47, -1.53}, true},
+        /* Branch 1 holds the -1 side at K = 0, 0.2 and 0.24 (-1.4); branch 0 lies beyond the
+        ** tracking's reach (1e101), so at step 3 both roots of the pair land on branch 1 and
+        ** no branch is its mirror image.  Step 3 from 0.5 is halved to 0.25625 (-1.5 +-
+        ** j 0.079), a small enough step: branch 1's point at step 2 moves to -1.5 all the
+        ** same, and the halving goes on below the break-away gain (five times). */
+        {"without a mirror image", {{3e101, 0}, {2e101, 0}, {1e101, 0}},
+         {{-1, 0}, {-1.5 + std::sqrt(0.05), 0}, {-1.4, 0}}, 0.5, 0.24, 100.0, 0.24 + 0.26 / 32, {1e101, -1.5},
+         true},
+    };
     double numerator[3] = {1, 0, 0}, denominator[3] = {2, 3, 1};
     gainRange.steps = 10;
-    block = makeRootLocusPlot(2);
-    plot = plotRecordOf(block);
-    beginLocusRun(numerator, denominator, 2, 1.0);
-    const double far[3] = {3e101, 2e101, 1e101}, near[3] = {-1.0, -1.5 + std::sqrt(0.05), -1.4};
-    for (int s = 0; s < 3; ++s) {
-        storeLocusPoint(plot, 0, s, {far[s], 0});
-        storeLocusPoint(plot, 1, s, {near[s], 0});
+    for (const auto &row : rows) {
+        block = makeRootLocusPlot(2);
+        plot = plotRecordOf(block);
+        beginLocusRun(numerator, denominator, 2, 1.0);
+        for (int s = 0; s < 3; ++s) {
+            storeLocusPoint(plot, 0, s, row.first[s]);
+            storeLocusPoint(plot, 1, s, row.second[s]);
+        }
+        storeLocusPoint(plot, 0, 3, {0, 0});
+        double K = row.K0;
+        adaptLocusGain(plot, 2, 4, &K, row.previousK, row.box);
+        endLocusRun();
+        EXPECT_DOUBLE_EQ(K, row.adapted) << row.what;
+        for (int j = 0; j < 2; ++j) {
+            EXPECT_NEAR(branch(j).at(2).re, row.atStep2[j], 1e-12) << row.what << ", branch " << j;
+            EXPECT_EQ(branch(j).at(2).im, 0.0) << row.what;
+        }
+        EXPECT_EQ(branch(1).at(3).im == 0.0, row.realAtStep3) << row.what;
     }
-    storeLocusPoint(plot, 0, 3, {0, 0});
-    double K = 0.5;
-    adaptLocusGain(plot, 2, 4, &K, 0.24, 100.0);
-    endLocusRun();
-    EXPECT_DOUBLE_EQ(K, 0.24 + 0.26 / 32) << "halved five times, below the break-away gain";
-    EXPECT_NEAR(branch(1).at(2).re, -1.5, 1e-12) << "moved onto the real part at K = 0.25625";
-    EXPECT_EQ(branch(1).at(2).im, 0.0);
-    EXPECT_EQ(branch(1).at(3).im, 0.0) << "step 3 ends on the real axis";
-    EXPECT_EQ(branch(0).at(2).re, 1e101) << "no other branch moved";
 }
 
-TEST_F(AutoSweep, AsManyZerosAsPolesNumbersTheBranchesFromOne)
-{
-    /* (s+1)(s+2)/((s+10)(s+20)): biproper, every branch ends on a zero. */
-    useLoop({2 - 200, 3 - 30}, {200, 30}, 1.0);
-    run();
-    ASSERT_EQ(plot->paramInfo->zeroCount, 2);
-    ASSERT_EQ(plot->paramInfo->poleCount, 2);
-    EXPECT_EQ(std::vector<int32_t>(plot->paramInfo->zeroBranches, plot->paramInfo->zeroBranches + 2),
-              (std::vector<int32_t>{1, 2}));
-}
-
-TEST_F(AutoSweep, ZeroBranchesPairEndpointsInsideTheBoxGreedilyByDistance)
+TEST_F(AutoSweep, ZeroBranchesPairEndpointsInsideTheBoxGreedily)
 {
     struct Row {
         const char *name;
@@ -205,6 +212,13 @@ TEST_F(AutoSweep, ZeroBranchesPairEndpointsInsideTheBoxGreedilyByDistance)
         assignZeroBranches(plot, row.endpoints.data(), row.box, 3, 3, nZ, row.zeros.data());
         EXPECT_EQ(zeroBranches(nZ), row.branches) << row.name;
     }
+    /* A whole run of (s+1)(s+2)/((s+10)(s+20)): biproper, every branch ends on a zero, and
+    ** with as many zeros as poles the branches are numbered from one. */
+    useLoop({2 - 200, 3 - 30}, {200, 30}, 1.0);
+    run();
+    ASSERT_EQ(plot->paramInfo->zeroCount, 2);
+    ASSERT_EQ(plot->paramInfo->poleCount, 2);
+    EXPECT_EQ(zeroBranches(2), (std::vector<int32_t>{1, 2}));
 }
 
 }

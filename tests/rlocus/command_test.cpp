@@ -1,6 +1,6 @@
 /*
-** The Root Locus command on the servo example: in-process (plot bounds limited to the
-** returned extreme, gains recorded, plot reused) and through the praxa executable.
+** The Root Locus command on the servo example, in-process: an automatic run (plot bounds
+** limited to the returned extreme), then a manual one into the reused plot.
 */
 #include <gtest/gtest.h>
 
@@ -47,11 +47,12 @@ protected:
         return plots.empty() ? nullptr : plotRecordOf(plots.back());
     }
 
-    /* The extreme the sweep measures: over every step, or from step 20 on (automatic). */
-    static double extremeOf(PlotRecord *plot, int traces, int steps, int from)
+    /* The extreme the sweep measures (over every step, or from step 20 on when automatic),
+    ** after checking that the plot's bounds lie within it, rounded up. */
+    static double extremeWithinBounds(PlotRecord *plot, int steps, int from)
     {
         double re = 0.0, im = 0.0;
-        for (int j = 0; j < traces; ++j)
+        for (int j = 0; j < 3; ++j)
             for (int c = 0; c < 2; ++c) {
                 auto *b = (PlotPointBuffer *)tervanRequest(TERVAN_REQ_PLOT_BUFFER, (intptr_t)plot, j * 256 + c);
                 for (int s = from; s < steps; ++s) {
@@ -62,12 +63,18 @@ protected:
                         re = v;
                 }
             }
-        return im > std::fabs(re) ? im : re;
+        double extreme = im > std::fabs(re) ? im : re, m = std::ceil(std::fabs(extreme));
+        EXPECT_GE(plot->xMin, -m);
+        EXPECT_LE(plot->xMax, m);
+        EXPECT_GE(plot->yMin, -m);
+        EXPECT_LE(plot->yMax, m);
+        return extreme;
     }
 };
 
-TEST_F(RootLocusCommand, AutomaticRunLimitsTheBoundsToTheExtreme)
+TEST_F(RootLocusCommand, AutomaticRunThenManualRunIntoTheReusedPlot)
 {
+    EXPECT_EQ(praxaCmd(296), 1);        /* reuse plots on */
     optionsMemory.autoRange = 1;
     EXPECT_EQ(praxaCmd(240), 1);
     PlotRecord *plot = lastPlot();
@@ -77,39 +84,23 @@ TEST_F(RootLocusCommand, AutomaticRunLimitsTheBoundsToTheExtreme)
     EXPECT_EQ(plot->paramInfo->poleCount, 3);
     EXPECT_EQ(plot->paramInfo->zeroCount, 0);
     /* 20/(s(s+1)(s+10)): the real branch runs out to the left beyond the box of 20. */
-    double extreme = extremeOf(plot, 3, 50, 19);
+    double extreme = extremeWithinBounds(plot, 50, 19);
     EXPECT_LT(extreme, -40.0);
-    double m = std::ceil(std::fabs(extreme));
-    EXPECT_EQ(plot->xMin, -m) << "the host's rounded bound is beyond the extreme and is limited";
-    EXPECT_LE(plot->xMax, m);
-    EXPECT_GE(plot->yMin, -m);
-    EXPECT_LE(plot->yMax, m);
+    EXPECT_EQ(plot->xMin, -std::ceil(-extreme)) << "the host's rounded bound is beyond the extreme and is limited";
     EXPECT_TRUE(std::filesystem::exists(dir.file("Root-Locus.svg")));
-}
 
-TEST_F(RootLocusCommand, ManualRunRecordsItsGainsAndReusesThePlot)
-{
+    PlotParamInfo *first = plot->paramInfo;
     optionsMemory.autoRange = 0;
-    EXPECT_EQ(praxaCmd(296), 1);        /* reuse plots on */
-    ASSERT_EQ(praxaCmd(240), 1);
-    PlotParamInfo *first = lastPlot()->paramInfo;
-    ASSERT_NE(first, nullptr);
     gainRange = {20, 0.0, 50.0};
     ASSERT_EQ(praxaCmd(240), 1);
     ASSERT_EQ(hostapp::plotBlocks().size(), 1u) << "the second run draws into the same plot";
-    PlotRecord *plot = lastPlot();
+    plot = lastPlot();
     /* The second run hangs a new record on the plot, which has freed the first. */
     ASSERT_NE(plot->paramInfo, first);
     EXPECT_EQ(plot->pointCount, 20u);
     EXPECT_EQ(plot->paramInfo->parameters[19], 50.0);
-    double extreme = extremeOf(plot, 3, 20, 0);
-    double m = std::ceil(std::fabs(extreme));
-    EXPECT_GE(plot->xMin, -m);
-    EXPECT_LE(plot->xMax, m);
-    EXPECT_GE(plot->yMin, -m);
-    EXPECT_LE(plot->yMax, m);
     /* 20 K = 1000: s^3 + 11 s^2 + 10 s + 1000 has its real root below -11. */
-    EXPECT_LT(extreme, -11.0);
+    EXPECT_LT(extremeWithinBounds(plot, 20, 0), -11.0);
 }
 
 }

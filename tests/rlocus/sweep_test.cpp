@@ -1,6 +1,7 @@
 /*
 ** The gain sweep: manual gains, branch tracking on K/(s(s+1)(s+2)) against LAPACK, the
-** imaginary-axis crossing, the tie rule, the signed extreme, and refused or unusable input.
+** imaginary-axis crossing, the signed extreme, the tie rule, a degree drop, and refused or
+** unusable input.
 */
 #include "locus_fixture.h"
 
@@ -26,14 +27,12 @@ TEST_F(Sweep, ManualRangeStepsLinearlyAndLandsOnTheStopGain)
     for (int j = 0; j < 3; ++j)
         EXPECT_EQ(branch(j).size(), 50u);
 
+    /* Each root at K = 6 lies on a branch (so no two on one). */
     ASSERT_EQ(gains()[3], 6.0);
-    std::vector<Complex> atSix;
-    for (int j = 0; j < 3; ++j)
-        atSix.push_back(branch(j)[3]);
-    std::sort(atSix.begin(), atSix.end(), [](Complex a, Complex b) { return a.im < b.im; });
-    const Complex expectedAtSix[] = {{0.0, -std::sqrt(2.0)}, {-3.0, 0.0}, {0.0, std::sqrt(2.0)}};
-    for (int j = 0; j < 3; ++j)
-        EXPECT_LT(distance(atSix[j], expectedAtSix[j]), 1e-12) << j;
+    for (Complex root : {Complex{0.0, -std::sqrt(2.0)}, Complex{-3.0, 0.0}, Complex{0.0, std::sqrt(2.0)}})
+        EXPECT_TRUE(distance(branch(0)[3], root) < 1e-12 || distance(branch(1)[3], root) < 1e-12 ||
+                    distance(branch(2)[3], root) < 1e-12)
+            << root.re << " " << root.im;
 }
 
 TEST_F(Sweep, BranchesOfTheTextbookLoopAreTheClosedLoopRootsAndStayContinuous)
@@ -47,19 +46,9 @@ TEST_F(Sweep, BranchesOfTheTextbookLoopAreTheClosedLoopRootsAndStayContinuous)
     /* The branch from -2 stays on the real axis and heads left; the two from 0 and -1 meet
     ** at the break-away point -1 + 1/sqrt(3) and leave the axis as a conjugate pair, each
     ** keeping the side it left on. */
-    std::vector<Complex> fromZero, fromOne, fromTwo;
-    for (int j = 0; j < 3; ++j) {
-        std::vector<Complex> b = branch(j);
-        if (std::fabs(b[0].re) < 1e-12)
-            fromZero = b;
-        else if (std::fabs(b[0].re + 1) < 1e-12)
-            fromOne = b;
-        else
-            fromTwo = b;
-    }
-    ASSERT_EQ(fromZero.size(), 101u);
-    ASSERT_EQ(fromOne.size(), 101u);
-    ASSERT_EQ(fromTwo.size(), 101u);
+    std::vector<std::vector<Complex>> b = {branch(0), branch(1), branch(2)};
+    std::sort(b.begin(), b.end(), [](const auto &x, const auto &y) { return x.at(0).re < y.at(0).re; });
+    const std::vector<Complex> &fromTwo = b[0], &fromOne = b[1], &fromZero = b[2];
     const double breakAway = -1.0 + 1.0 / std::sqrt(3.0);
     double upperSign = 0.0;
     for (int s = 1; s < 101; ++s) {
@@ -84,17 +73,6 @@ TEST_F(Sweep, BranchesOfTheTextbookLoopAreTheClosedLoopRootsAndStayContinuous)
         }
     }
     EXPECT_NE(upperSign, 0.0) << "the pair left the real axis within K <= 1";
-}
-
-TEST_F(Sweep, FewerThanTwoStepsDrawNothing)
-{
-    useLoop({1}, {0, 2, 3});
-    gainRange = {1, 0.0, 100.0};
-    EXPECT_EQ(run(), 0.0);
-    EXPECT_EQ(plot->paramInfo, nullptr);
-    for (int j = 0; j < 3; ++j)
-        EXPECT_TRUE(std::isnan(branch(j)[0].re));
-    EXPECT_EQ(rootLocus(plot, num, den, 0), 0.0);
 }
 
 TEST_F(Sweep, ReturnsTheSignedExtremeCoordinate)
@@ -165,31 +143,39 @@ TEST_F(Sweep, ADegreeDropKeepsTheRootsEarlierStepsFound)
     EXPECT_EQ(branch(1)[0].im, stale.im);
 }
 
-TEST_F(Sweep, UnconnectedInputIsReportedAndNothingDrawn)
+/* Runs refused before any step: nothing drawn, no gains recorded, and the whole transcript
+** (nothing for too few steps or no poles). */
+TEST_F(Sweep, RefusedRunsDrawNothing)
 {
-    useLoop({1}, {0, 2, 3});
-    model.B->data[2] = 0.0;
-    model.C->data[0] = 0.0;
-    platform::clearTranscript();
-    EXPECT_EQ(run(), 0.0);
-    EXPECT_NE(transcript().find("Input not connected to output. Check for delay or saturated limit."),
-              std::string::npos)
-        << transcript();
-    EXPECT_EQ(plot->paramInfo, nullptr);
-    EXPECT_TRUE(std::isnan(branch(0)[0].re));
-}
-
-TEST_F(Sweep, MoreBranchesThanTheTrackingSetAreRefused)
-{
-    useLoop({1}, {0, 2, 3});
-    block = makeRootLocusPlot(3);
-    plot = plotRecordOf(block);
+    const struct {
+        const char *name;
+        int32_t steps, order;
+        bool unconnected;
+        const char *message;
+    } rows[] = {
+        {"fewer than two steps", 1, 3, false, ""},
+        {"no closed-loop poles", 50, 0, false, ""},
+        {"input not connected", 50, 3, true,
+         "[Tervan Debug] Input not connected to output. Check for delay or saturated limit.\n"},
+        {"more branches than tracked", 50, 1025, false,
+         "[Tervan] Root locus: 1025 closed-loop poles are more than the 1024 branches that can be tracked.\n"},
+    };
     std::vector<double> coefficients(1026, 1.0);
-    platform::clearTranscript();
-    EXPECT_EQ(rootLocus(plot, coefficients.data(), coefficients.data(), 1025), 0.0);
-    EXPECT_NE(transcript().find("Root locus: 1025 closed-loop poles are more than the 1024 branches that can be tracked."),
-              std::string::npos)
-        << transcript();
+    for (const auto &row : rows) {
+        useLoop({1}, {0, 2, 3});
+        if (row.unconnected)
+            model.B->data[2] = model.C->data[0] = 0.0;
+        gainRange.steps = row.steps;
+        block = makeRootLocusPlot(3);
+        plot = plotRecordOf(block);
+        platform::clearTranscript();
+        bool many = row.order > 3;
+        EXPECT_EQ(rootLocus(plot, many ? coefficients.data() : num, many ? coefficients.data() : den, row.order), 0.0)
+            << row.name;
+        EXPECT_EQ(transcript(), row.message) << row.name;
+        EXPECT_EQ(plot->paramInfo, nullptr) << row.name;
+        EXPECT_TRUE(std::isnan(branch(0)[0].re)) << row.name;
+    }
 }
 
 TEST_F(Sweep, UnusableNumbersEndTheSweep)
