@@ -2,7 +2,8 @@
 # Mutation check: applies each mutation of a list (default scripts/mutations.txt) to its
 # source file, rebuilds only the test binary it names, runs that binary and reports
 # whether a test failed (caught) or all passed (survived). Each file is restored after
-# its run, and on exit. Needs a configured build/ (see scripts/build.sh).
+# its run, and on exit, when the binaries it mutated are built once more from the restored
+# sources. Needs a configured build/ (see scripts/build.sh).
 #   scripts/mutate.sh [list] [pattern]    pattern: only mutations of files matching it
 set -uo pipefail
 cd "$(dirname "$0")/.."
@@ -10,8 +11,10 @@ list=${1:-scripts/mutations.txt}
 pattern=${2:-}
 backup=$(mktemp)
 current=""
+targets=()
 restore() { if [ -n "$current" ]; then cp "$backup" "$current"; current=""; fi; }
-trap 'restore; rm -f "$backup"' EXIT
+rebuild() { for t in $(printf '%s\n' "${targets[@]}" | sort -u); do cmake --build build -j2 --target "$t" >/dev/null 2>&1; done; }
+trap 'restore; rm -f "$backup"; rebuild' EXIT
 trap 'exit 130' INT TERM
 
 # Fields are separated by " @ " (C++ code has '|' but no '@').
@@ -40,6 +43,7 @@ PY
 )
     status=${label%% *}; label=${label#* }
     target=${label%% *}; label=${label#* }
+    targets+=("$target")
     if [ "$status" != OK ]; then
         echo "SKIPPED   $label"
         skipped=$((skipped + 1))
