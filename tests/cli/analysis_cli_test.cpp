@@ -39,26 +39,18 @@ std::pair<double, double> axisRange(const std::string &svg, const std::string &a
     return {low, high};
 }
 
-/* A step driving a chain of n first-order lags, all selected, from the first lag's input
-** to the last one's output: a model of n states. */
-std::string chainOfLags(int n)
+/* 1/(s^n + s^(n-1) + ... + 1): a plant of n states. */
+std::string plantOfOrder(int n)
 {
-    std::string blocks = R"({"id": "src", "type": "step", "value": 1})", wires, selection;
-    std::string previous = "src";
-    for (int i = 0; i < n; ++i) {
-        std::string id = "p" + std::to_string(i);
-        blocks += R"(, {"id": ")" + id + R"(", "type": "transferFunction", "num": [1], "den": [1, )" +
-                  std::to_string(1 + i) + "]}";
-        wires += std::string(i ? ", " : "") + "[\"" + previous + "\", \"" + id + "\"]";
-        selection += std::string(i ? ", " : "") + "\"" + id + "\"";
-        previous = id;
-    }
-    return R"({"blocks": [)" + blocks + R"(], "wires": [)" + wires + R"(], "selection": [)" + selection +
-           R"(], "input": "p0.in", "output": ")" + previous + R"(.out"})";
+    std::string den = "1";
+    for (int i = 0; i < n; ++i)
+        den += ", 1";
+    return plantDiagram(R"({"id": "p", "type": "transferFunction", "num": [1], "den": [)" + den + "]}");
 }
 
 TEST(Analyses, ExamplesThroughTheCommandLine)
 {
+    const std::string tenPoles = R"("den": [1, 9, 36, 84, 126, 126, 84, 36, 9, 1, 0]})";
     const Session sessions[] = {
         {"linearize writes the servo model as a function file", {}, "{examples}servo.json linearize --file servo.m", 0,
          {"[file written] {dir}/servo.m"}, "", {{"servo.m", SERVO_MODEL_FILE}}},
@@ -74,6 +66,10 @@ TEST(Analyses, ExamplesThroughTheCommandLine)
         /* The output at the plant instead of after the unit delay: the model now sees the plant. */
         {"output point picked after the diagram", {}, "{examples}unit_delay.json --output plant.out linearize", 0,
          {"[Tervan Debug] Praxa can't handle unit delay", "[Tervan] c = [1 ];"}},
+        /* The diagram's own input picked again stays taken (a second click would drop it). */
+        {"points picked", {}, "{examples}servo.json --input ctrl.in --output amp.out tf", 0,
+         {"[host] reference points: input ctrl.1, output amp.out", "[host] reference points: input ctrl.1, output amp.out",
+          "[dialog] Transfer Function"}},
         {"options in any order around the diagram and a script", {{"x.txt", "tf\n"}},
          "--out {dir} {examples}servo.json --script {dir}/x.txt --settings {dir}/s.ini", 0, {"[end] Zeros and Poles: 1"}},
         {"options after the command", {}, "{examples}servo.json tf --settings {dir}/s.ini --out {dir}", 0,
@@ -94,24 +90,22 @@ TEST(Analyses, ExamplesThroughTheCommandLine)
          "{dir}/d.json tf", 0, {"  static -1 \"Gain\"", "  static 109 \"1\"", "  listbox 107: \"(-2,0)\""}},
         /* 5 (s - 0.2)/(s (s + 1)^9): the gain does not depend on the number of poles */
         {"ten poles",
-         {{"d.json", plantDiagram(R"({"id": "p", "type": "transferFunction", "num": [5, -1],
-             "den": [1, 9, 36, 84, 126, 126, 84, 36, 9, 1, 0]})")}},
+         {{"d.json", plantDiagram(R"({"id": "p", "type": "transferFunction", "num": [5, -1], )" + tenPoles)}},
          "{dir}/d.json tf", 0, {"  static -1 \"Gain\"", "  static 109 \"5\"", "  listbox 107: \"(.2,0)\""}},
         /* the same scaled by 1e-10: a tiny |G| keeps its sign and size */
         {"tiny gain",
-         {{"d.json", plantDiagram(R"({"id": "p", "type": "transferFunction", "num": [-5e-10, 1e-10],
-             "den": [1, 9, 36, 84, 126, 126, 84, 36, 9, 1, 0]})")}},
+         {{"d.json", plantDiagram(R"({"id": "p", "type": "transferFunction", "num": [-5e-10, 1e-10], )" + tenPoles)}},
          "{dir}/d.json tf", 0, {"  static -1 \"Gain\"", "  static 109 \"-5e-010\"", "  listbox 107: \"(.2,0)\""}},
-        /* steps times order that would keep praxa busy for minutes, on a chain of 300 lags */
-        {"Bode steps times states", {{"c.json", chainOfLags(300)},
+        /* steps times order that would keep praxa busy for minutes */
+        {"Bode steps times states", {{"c.json", plantOfOrder(300)},
          {"s.txt", "frequency-range --start 0.1 --stop 10 --steps 1000000\nbode\n"}}, "--script {dir}/s.txt {dir}/c.json", 0,
          {"[Tervan] Bode: 1000000 points for 300 states are more than a plot takes (268435456 points times "
           "states); choose fewer steps."}},
-        {"Nyquist steps times states", {{"c.json", chainOfLags(300)},
+        {"Nyquist steps times states", {{"c.json", plantOfOrder(300)},
          {"s.txt", "frequency-range --start 0.1 --stop 10 --steps 1000000\nnyquist\n"}}, "--script {dir}/s.txt {dir}/c.json", 0,
          {"[Tervan] Nyquist: 1000000 points for 300 states are more than a plot takes (268435456 points times "
           "states); choose fewer steps."}},
-        {"root locus steps times poles cubed", {{"c.json", chainOfLags(300)},
+        {"root locus steps times poles cubed", {{"c.json", plantOfOrder(300)},
          {"s.txt", "rlocus-options --start 0 --stop 10 --steps 1000\nrlocus\n"}}, "--script {dir}/s.txt {dir}/c.json", 0,
          {"[Tervan] Root locus: 1000 steps for 300 closed-loop poles are more than a root locus run takes "
           "(17179869184 steps times poles cubed); choose fewer steps."}},
@@ -120,9 +114,9 @@ TEST(Analyses, ExamplesThroughTheCommandLine)
         expectSession(session);
 }
 
-/* What the host adds to an analysis: the reference points picked or taken, and why there
-** is nothing to show. */
-TEST(AnalysisNotes, PointsPickedOrTakenAndEmptyAnalysesAreNamed)
+/* What the host adds to an analysis: the reference points taken, and why there is nothing
+** to show. */
+TEST(AnalysisNotes, PointsTakenAndEmptyAnalysesAreNamed)
 {
     const std::string gain = R"({"blocks": [{"id": "src", "type": "constant", "value": 1},
         {"id": "k", "type": "gain", "gain": 3}, {"id": "scope", "type": "plot"}],
@@ -141,13 +135,7 @@ TEST(AnalysisNotes, PointsPickedOrTakenAndEmptyAnalysesAreNamed)
         "[host] nothing to show: the input lim.1 does not reach the output plant.out at this operating point (the "
         "transfer function is 0; a saturation past its limit, a dead zone or a switch passes no change); move the "
         "operating point or pick other points";
-    std::vector<Session> sessions = {
-        /* The diagram's own input picked again stays taken (a second click would drop it). */
-        {"points picked", {}, "{examples}servo.json --input ctrl.in --output amp.out tf", 0,
-         {"[host] reference points: input ctrl.1, output amp.out", "[host] reference points: input ctrl.1, output amp.out",
-          "[dialog] Transfer Function"},
-         ""},
-    };
+    std::vector<Session> sessions;
     for (const char *command : {"bode", "nyquist", "rlocus"}) {
         sessions.push_back({command, {{"d.json", gain}}, std::string("{dir}/d.json ") + command, 0, {noStates}, ""});
         sessions.push_back({command, {{"d.json", saturated}}, std::string("{dir}/d.json ") + command, 0, {noPath}, ""});
@@ -161,7 +149,8 @@ TEST(AnalysisNotes, PointsPickedOrTakenAndEmptyAnalysesAreNamed)
     std::string text = readFile(examplePath("servo.json"));
     text.replace(text.find("\"input\": \"ctrl.in\","), 19, "");
     writeFile(dir.file("nopoints.json"), text);
-    RunResult run = runPraxa("--settings " + dir.file("s.ini") + " --out " + dir.path + " " + dir.file("nopoints.json") + " bode");
+    RunResult run =
+        runPraxa("--settings " + dir.file("s.ini") + " --out " + dir.path + " " + dir.file("nopoints.json") + " bode");
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_NE(run.out.find("[plot] Bode-Phase.svg\n[host] reference points taken: input ctrl.1, output motor.out\n"),
               std::string::npos)
