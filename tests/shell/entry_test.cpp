@@ -33,35 +33,32 @@ protected:
     }
 };
 
-TEST_F(EntryPoints, MenuHasTwelveItemsInOrderAtPositionFour)
+/* Reuse Plots is checked as the file says and each toggle moves the check mark; the file's
+** text after each toggle is the command line's to check. */
+TEST_F(EntryPoints, MenuHasTwelveItemsInOrderAtPositionFourAndReusePlotsAsTheFileSays)
 {
-    HMENU bar = GetMenu(hostapp::host().mainWindow);
-    ASSERT_EQ(GetSubMenu(bar, 4), praxaMenu);
-    EXPECT_EQ(menuText(bar, 4), "&Praxa");
     const std::pair<UINT, const char *> expected[] = {
         {206, "&Linearize..."}, {234, "&Select Input/Output Points"}, {243, "&Transfer Function Info"},
         {249, "Compensator &Design"}, {254, "Select &Compensator Block"}, {240, "&Root Locus"},
         {241, "Root Locus &Options"}, {250, "&Nyquist Response"}, {242, "&Frequency Response"},
         {235, "Fre&quency Range"}, {246, "&Preferences"}, {296, "Re&use Plots"},
     };
-    ASSERT_EQ(GetMenuItemCount(praxaMenu), 12);
-    for (int i = 0; i < 12; ++i) {
-        EXPECT_EQ(GetMenuItemID(praxaMenu, i), expected[i].first) << "item " << i;
-        EXPECT_EQ(menuText(praxaMenu, (UINT)i), expected[i].second) << "item " << i;
-    }
-    EXPECT_EQ(GetMenuState(praxaMenu, 296, MF_BYCOMMAND) & MF_CHECKED, 0u);
-}
-
-/* The file's text after each toggle is the command line's to check. */
-TEST_F(EntryPoints, ReusePlotsFromTheFileChecksTheMenuItemAndTogglesIt)
-{
-    writeFile(dir.file("tervan.ini"), "[tervan]\nprxReusePlots=1\n");
-    startHostWithPlugin(dir.file("tervan.ini"), dir.path);
-    EXPECT_EQ(negativeFrequencies, 0);
-    for (int expected : {1, 0, 1}) {
-        EXPECT_EQ(reusePlots, expected);
-        EXPECT_EQ(GetMenuState(praxaMenu, 296, MF_BYCOMMAND) & MF_CHECKED, expected ? (UINT)MF_CHECKED : 0u);
-        EXPECT_EQ(praxaCmd(296), 1);
+    for (int reuse : {0, 1}) {
+        writeFile(dir.file("tervan.ini"), "[tervan]\nprxReusePlots=" + std::to_string(reuse) + "\n");
+        startHostWithPlugin(dir.file("tervan.ini"), dir.path);
+        HMENU bar = GetMenu(hostapp::host().mainWindow);
+        ASSERT_EQ(GetSubMenu(bar, 4), praxaMenu);
+        EXPECT_EQ(menuText(bar, 4), "&Praxa");
+        ASSERT_EQ(GetMenuItemCount(praxaMenu), 12);
+        for (int i = 0; i < 12; ++i) {
+            EXPECT_EQ(GetMenuItemID(praxaMenu, i), expected[i].first) << "item " << i;
+            EXPECT_EQ(menuText(praxaMenu, (UINT)i), expected[i].second) << "item " << i;
+        }
+        for (int checked : {reuse, 1 - reuse, reuse}) {
+            EXPECT_EQ(reusePlots, checked);
+            EXPECT_EQ(GetMenuState(praxaMenu, 296, MF_BYCOMMAND) & MF_CHECKED, checked ? (UINT)MF_CHECKED : 0u);
+            EXPECT_EQ(praxaCmd(296), 1);
+        }
     }
 }
 
@@ -117,22 +114,19 @@ TEST_F(EntryPoints, DeletingARememberedPlotForgetsOnlyThatOne)
         *plot = nullptr;
 }
 
+/* Only 256 with a null argument resets the compensator; what the reset leaves is the
+** compensator dialog's to check. */
 TEST_F(EntryPoints, ResetEventRestoresTheCompensatorOnlyWithANullArgument)
 {
-    Complex zero = {-1, 0};
-    currentCompensator.gain = 7.5;
-    currentCompensator.zeroCount = 1;
-    currentCompensator.zeros = &zero;
-    currentCompensator.poleCount = 2;
-    EXPECT_EQ(praxaEvent(256, 1), 0);
-    EXPECT_EQ(currentCompensator.gain, 7.5);
-    EXPECT_EQ(praxaEvent(255, 0), 0);
-    EXPECT_EQ(currentCompensator.zeroCount, 1);
-    EXPECT_EQ(praxaEvent(256, 0), 0);
-    EXPECT_EQ(currentCompensator.gain, 1.0);
-    EXPECT_EQ(currentCompensator.zeroCount, 0);
-    EXPECT_EQ(currentCompensator.poleCount, 0);
-    EXPECT_EQ(currentCompensator.zeros, &zero);
+    const struct {
+        int code, arg;
+        double gain;
+    } rows[] = {{256, 1, 7.5}, {255, 0, 7.5}, {256, 0, 1.0}};
+    for (const auto &row : rows) {
+        currentCompensator.gain = 7.5;
+        EXPECT_EQ(praxaEvent(row.code, row.arg), 0);
+        EXPECT_EQ(currentCompensator.gain, row.gain) << row.code << " " << row.arg;
+    }
     currentCompensator = Compensator{};
 }
 
