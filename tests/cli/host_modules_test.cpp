@@ -21,25 +21,22 @@ TEST(HostModules, OnlyDrawServeAndExpressionsNeedTheirModules)
     std::string exe = dir.file("praxa"), out = dir.file("o"), plugin = PRAXA_EXE;
     plugin.replace(plugin.rfind('/') + 1, std::string::npos, "libpraxa.so");
     ASSERT_EQ(std::system(("cp " + std::string(PRAXA_EXE) + " " + exe).c_str()), 0);
+    auto missing = [&](const std::string &needer, const std::string &library) {
+        return needer + " needs the module " + dir.file(library) + ", which cannot be loaded (" + dir.file(library) +
+               ": cannot open shared object file: No such file or directory); put " + library +
+               " of the same build beside praxa\n";
+    };
     const struct {
         std::string diagram, command;
         int status;
         std::string error;
     } rows[] = {
         {"servo.json", "bode", 0, ""},
-        {"servo.json", "draw", 2,
-         "praxa: command line: the draw command needs the module " + dir.file("libpraxa_draw.so") +
-             ", which cannot be loaded (" + dir.file("libpraxa_draw.so") +
-             ": cannot open shared object file: No such file or directory); put libpraxa_draw.so of the same build beside praxa\n"},
-        {"servo.json", "serve --port 0", 2,
-         "praxa: the serve command needs the module " + dir.file("libpraxa_serve.so") + ", which cannot be loaded (" +
-             dir.file("libpraxa_serve.so") +
-             ": cannot open shared object file: No such file or directory); put libpraxa_serve.so of the same build beside praxa\n"},
+        {"servo.json", "draw", 2, "praxa: command line: " + missing("the draw command", "libpraxa_draw.so")},
+        {"servo.json", "serve --port 0", 2, "praxa: " + missing("the serve command", "libpraxa_serve.so")},
         {"maglev.json", "tf", 2,
-         "praxa: " + examplePath("maglev.json") + ":6: block 'accel': the expression block needs the module " +
-             dir.file("libpraxa_expression.so") + ", which cannot be loaded (" + dir.file("libpraxa_expression.so") +
-             ": cannot open shared object file: No such file or directory); put libpraxa_expression.so of the same build "
-             "beside praxa\n"},
+         "praxa: " + examplePath("maglev.json") + ":6: block 'accel': " +
+             missing("the expression block", "libpraxa_expression.so")},
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(row.diagram + " " + row.command);

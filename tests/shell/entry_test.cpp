@@ -1,6 +1,7 @@
 /*
 ** Entry points: the menu praxaInit builds, the command prologue (version check,
-** settings reload, wait cursor), the about box, Reuse Plots and host events.
+** settings reload, wait cursor), Reuse Plots and host events (the about box is the
+** command line's to check).
 */
 #include <gtest/gtest.h>
 
@@ -32,106 +33,100 @@ protected:
     }
 };
 
-TEST_F(EntryPoints, MenuHasTwelveItemsInOrderAtPositionFour)
+/* Reuse Plots is checked as the file says and each toggle moves the check mark; the file's
+** text after each toggle is the command line's to check. */
+TEST_F(EntryPoints, MenuHasTwelveItemsInOrderAtPositionFourAndReusePlotsAsTheFileSays)
 {
-    HMENU bar = GetMenu(hostapp::host().mainWindow);
-    ASSERT_EQ(GetSubMenu(bar, 4), praxaMenu);
-    EXPECT_EQ(menuText(bar, 4), "&Praxa");
     const std::pair<UINT, const char *> expected[] = {
         {206, "&Linearize..."}, {234, "&Select Input/Output Points"}, {243, "&Transfer Function Info"},
         {249, "Compensator &Design"}, {254, "Select &Compensator Block"}, {240, "&Root Locus"},
         {241, "Root Locus &Options"}, {250, "&Nyquist Response"}, {242, "&Frequency Response"},
         {235, "Fre&quency Range"}, {246, "&Preferences"}, {296, "Re&use Plots"},
     };
-    ASSERT_EQ(GetMenuItemCount(praxaMenu), 12);
-    for (int i = 0; i < 12; ++i) {
-        EXPECT_EQ(GetMenuItemID(praxaMenu, i), expected[i].first) << "item " << i;
-        EXPECT_EQ(menuText(praxaMenu, (UINT)i), expected[i].second) << "item " << i;
-    }
-    EXPECT_EQ(GetMenuState(praxaMenu, 296, MF_BYCOMMAND) & MF_CHECKED, 0u);
-}
-
-/* The file's text after each toggle is the command line's to check. */
-TEST_F(EntryPoints, ReusePlotsFromTheFileChecksTheMenuItemAndTogglesIt)
-{
-    writeFile(dir.file("tervan.ini"), "[tervan]\nprxReusePlots=1\n");
-    startHostWithPlugin(dir.file("tervan.ini"), dir.path);
-    EXPECT_EQ(negativeFrequencies, 0);
-    for (int expected : {1, 0, 1}) {
-        EXPECT_EQ(reusePlots, expected);
-        EXPECT_EQ(GetMenuState(praxaMenu, 296, MF_BYCOMMAND) & MF_CHECKED, expected ? (UINT)MF_CHECKED : 0u);
-        EXPECT_EQ(praxaCmd(296), 1);
+    for (int reuse : {0, 1}) {
+        writeFile(dir.file("tervan.ini"), "[tervan]\nprxReusePlots=" + std::to_string(reuse) + "\n");
+        startHostWithPlugin(dir.file("tervan.ini"), dir.path);
+        HMENU bar = GetMenu(hostapp::host().mainWindow);
+        ASSERT_EQ(GetSubMenu(bar, 4), praxaMenu);
+        EXPECT_EQ(menuText(bar, 4), "&Praxa");
+        ASSERT_EQ(GetMenuItemCount(praxaMenu), 12);
+        for (int i = 0; i < 12; ++i) {
+            EXPECT_EQ(GetMenuItemID(praxaMenu, i), expected[i].first) << "item " << i;
+            EXPECT_EQ(menuText(praxaMenu, (UINT)i), expected[i].second) << "item " << i;
+        }
+        for (int checked : {reuse, 1 - reuse, reuse}) {
+            EXPECT_EQ(reusePlots, checked);
+            EXPECT_EQ(GetMenuState(praxaMenu, 296, MF_BYCOMMAND) & MF_CHECKED, checked ? (UINT)MF_CHECKED : 0u);
+            EXPECT_EQ(praxaCmd(296), 1);
+        }
     }
 }
 
-/* An older or a newer host: the message, and nothing else happens. */
-TEST_F(EntryPoints, WrongHostVersionGetsTheMessageAndChangesNothing)
+/* The prologue of every command: an older or newer host, or a negative revision, gets
+** the message and nothing else; an id that is no command of the plug-in is left alone;
+** 234 and 254 are the host's to carry out once the settings are reloaded. */
+TEST_F(EntryPoints, CommandPrologueChecksTheHostThenReloadsTheSettings)
 {
-    struct Row {
-        int version, revision, command;
-        const char *message;
+    const std::string wrong = "[Tervan] Praxa requires version 23.0.00 of Tervan but you've got version ";
+    const struct {
+        int version, revision, command, handled;
+        std::string message;
+        bool reloads;   /* the settings, with the wait cursor on */
     } rows[] = {
-        {220, 3, 296, "[Tervan] Praxa requires version 23.0.00 of Tervan but you've got version 22.0.03\n"},
-        {231, 0, 242, "[Tervan] Praxa requires version 23.0.00 of Tervan but you've got version 23.1.00\n"},
+        {220, 3, 296, 1, wrong + "22.0.03\n", false},
+        {231, 0, 242, 1, wrong + "23.1.00\n", false},
+        {230, -1, 296, 1, wrong + "23.0.-1\n", false},
+        {230, 0, 207, 0, "", false},
+        {230, 0, 234, 0, "", true},
+        {230, 0, 254, 0, "", true},
     };
-    for (const Row &row : rows) {
-        platform::clearTranscript();
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.command);
+        writeFile(dir.file("tervan.ini"), "");
+        SetUp();    /* a fresh host on the default settings */
+        int steps = frequencyRange.steps;
+        writeFile(dir.file("tervan.ini"), "[tervan]\nfreqSteps=7\n");
         hostapp::host().version = row.version;
         hostapp::host().revision = row.revision;
-        EXPECT_EQ(praxaCmd(row.command), 1);
-        EXPECT_EQ(reusePlots, 0);
-        EXPECT_FALSE(hostapp::host().waitCursor);
+        EXPECT_EQ(praxaCmd(row.command), row.handled);
         EXPECT_EQ(platform::transcriptText(), row.message);
+        EXPECT_EQ(reusePlots, 0);
+        EXPECT_EQ(hostapp::host().waitCursor, row.reloads);
+        EXPECT_EQ(frequencyRange.steps, row.reloads ? 7 : steps);
     }
 }
 
-TEST_F(EntryPoints, HostCommandsReturnZeroAfterThePrologue)
-{
-    writeFile(dir.file("tervan.ini"), "[tervan]\nfreqStart=2\nfreqStop=20\nfreqSteps=7\n");
-    EXPECT_EQ(praxaCmd(234), 0);
-    EXPECT_TRUE(hostapp::host().waitCursor);
-    EXPECT_EQ(frequencyRange.start, 2.0);
-    EXPECT_EQ(frequencyRange.stop, 20.0);
-    EXPECT_EQ(frequencyRange.steps, 7);
-    EXPECT_EQ(praxaCmd(254), 0);
-}
-
+/* A deleted block that is a remembered plot is forgotten, and only that one. */
 TEST_F(EntryPoints, DeletingARememberedPlotForgetsOnlyThatOne)
 {
-    HostBlock phase{}, magnitude{}, nyquist{}, locus{}, other{};
-    bodePhasePlot = &phase;
-    bodeMagnitudePlot = &magnitude;
-    nyquistPlot = &nyquist;
-    rootLocusPlot = &locus;
-    EXPECT_EQ(praxaEvent(253, (intptr_t)&other), 0);
-    EXPECT_EQ(bodePhasePlot, &phase);
-    EXPECT_EQ(praxaEvent(253, (intptr_t)&magnitude), 0);
-    EXPECT_EQ(bodeMagnitudePlot, nullptr);
-    EXPECT_EQ(bodePhasePlot, &phase);
-    EXPECT_EQ(praxaEvent(253, (intptr_t)&locus), 0);
-    EXPECT_EQ(rootLocusPlot, nullptr);
-    EXPECT_EQ(nyquistPlot, &nyquist);
-    EXPECT_EQ(praxaEvent(254, (intptr_t)&nyquist), 0);
-    EXPECT_EQ(nyquistPlot, &nyquist);
-    bodePhasePlot = nyquistPlot = nullptr;
+    HostBlock blocks[4]{}, other{};
+    HostBlock **plots[] = {&bodePhasePlot, &bodeMagnitudePlot, &nyquistPlot, &rootLocusPlot};
+    for (int deleted = 0; deleted < 4; ++deleted) {
+        for (int i = 0; i < 4; ++i)
+            *plots[i] = &blocks[i];
+        EXPECT_EQ(praxaEvent(253, (intptr_t)&other), 0);
+        EXPECT_EQ(praxaEvent(254, (intptr_t)&blocks[deleted]), 0);
+        EXPECT_EQ(praxaEvent(253, (intptr_t)&blocks[deleted]), 0);
+        for (int i = 0; i < 4; ++i)
+            EXPECT_EQ(*plots[i], i == deleted ? nullptr : &blocks[i]) << "deleted " << deleted << ", plot " << i;
+    }
+    for (HostBlock **plot : plots)
+        *plot = nullptr;
 }
 
+/* Only 256 with a null argument resets the compensator; what the reset leaves is the
+** compensator dialog's to check. */
 TEST_F(EntryPoints, ResetEventRestoresTheCompensatorOnlyWithANullArgument)
 {
-    Complex zero = {-1, 0};
-    currentCompensator.gain = 7.5;
-    currentCompensator.zeroCount = 1;
-    currentCompensator.zeros = &zero;
-    currentCompensator.poleCount = 2;
-    EXPECT_EQ(praxaEvent(256, 1), 0);
-    EXPECT_EQ(currentCompensator.gain, 7.5);
-    EXPECT_EQ(praxaEvent(255, 0), 0);
-    EXPECT_EQ(currentCompensator.zeroCount, 1);
-    EXPECT_EQ(praxaEvent(256, 0), 0);
-    EXPECT_EQ(currentCompensator.gain, 1.0);
-    EXPECT_EQ(currentCompensator.zeroCount, 0);
-    EXPECT_EQ(currentCompensator.poleCount, 0);
-    EXPECT_EQ(currentCompensator.zeros, &zero);
+    const struct {
+        int code, arg;
+        double gain;
+    } rows[] = {{256, 1, 7.5}, {255, 0, 7.5}, {256, 0, 1.0}};
+    for (const auto &row : rows) {
+        currentCompensator.gain = 7.5;
+        EXPECT_EQ(praxaEvent(row.code, row.arg), 0);
+        EXPECT_EQ(currentCompensator.gain, row.gain) << row.code << " " << row.arg;
+    }
     currentCompensator = Compensator{};
 }
 
