@@ -13,6 +13,12 @@ namespace {
 
 using Entries = std::vector<std::string>;
 
+DialogAction zeroText(const std::string &text) { return {DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, text, 0}; }
+DialogAction poleText(const std::string &text) { return {DIALOG, ActionKind::Type, IDC_COMP_POLE_EDIT, text, 0}; }
+DialogAction press(int control) { return {DIALOG, ActionKind::Click, control, "", 0}; }
+DialogAction pick(int list, int index) { return {DIALOG, ActionKind::Select, list, "", index}; }
+const DialogAction ADD = press(IDC_COMP_ADD);
+
 }
 
 TEST_F(CompensatorTest, FirstUseAndAfterTheResetEventGainOneAndEmptyLists)
@@ -59,36 +65,25 @@ TEST_F(CompensatorTest, ListEditingAsTheDialogHoldsItAtOk)
     } rows[] = {
         /* Add appends the normalized root and selects it; unreadable text reads as 0. */
         {"add",
-         {{DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, "(-2", 0}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0},
-          {DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, "3", 0}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0},
-          {DIALOG, ActionKind::Type, IDC_COMP_POLE_EDIT, "-1, 2"}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0},
-          {DIALOG, ActionKind::Type, IDC_COMP_POLE_EDIT, "(-1, -2)", 0}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0},
-          {DIALOG, ActionKind::Type, IDC_COMP_POLE_EDIT, "x", 0}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0}},
+         {zeroText("(-2"), ADD, zeroText("3"), ADD, poleText("-1, 2"), ADD, poleText("(-1, -2)"), ADD, poleText("x"), ADD},
          {"(-2,0)", "(3,0)"}, {"(-1,2)", "(-1,-2)", "(0,0)"}, 1, 2, {{-2, 0}, {3, 0}}, 1.0,
          IDC_COMP_POLES, IDC_COMP_POLE_EDIT},
         /* Change keeps the typed text, which is still read as a root. */
-        {"change",
-         {{DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, "-5", 0}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0},
-          {DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, "-7", 0}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0},
-          {DIALOG, ActionKind::Select, IDC_COMP_ZEROS, "", 0}, {DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, "-2, 1"},
-          {DIALOG, ActionKind::Click, IDC_COMP_CHANGE, "", 0}},
+        {"change", {zeroText("-5"), ADD, zeroText("-7"), ADD, pick(IDC_COMP_ZEROS, 0), zeroText("-2, 1"), press(IDC_COMP_CHANGE)},
          {"-2, 1", "(-7,0)"}, {}, 0, -1, {{-2, 1}, {-7, 0}}, 1.0, IDC_COMP_ZEROS, IDC_COMP_ZERO_EDIT},
+        /* Del removes the selected entry; the one after it takes its place and the selection. */
+        {"delete", {zeroText("-5"), ADD, zeroText("-7"), ADD, zeroText("-9"), ADD, pick(IDC_COMP_ZEROS, 1), press(IDC_COMP_DEL)},
+         {"(-5,0)", "(-9,0)"}, {}, 1, -1, {{-5, 0}, {-9, 0}}, 1.0, IDC_COMP_ZEROS, IDC_COMP_ZERO_EDIT},
         /* Selecting an entry copies it into the paired edit and makes its list current; an
         ** empty text reads as 0. */
         {"select",
-         {{DIALOG, ActionKind::Type, IDC_COMP_POLE_EDIT, "-3", 0}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0},
-          {DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, "-4", 0}, {DIALOG, ActionKind::Select, IDC_COMP_POLES, "", 0},
-          {DIALOG, ActionKind::Type, IDC_COMP_POLE_EDIT, "", 0}, {DIALOG, ActionKind::Select, IDC_COMP_POLES, "", 0},
-          {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0}},
+         {poleText("-3"), ADD, zeroText("-4"), pick(IDC_COMP_POLES, 0), poleText(""), pick(IDC_COMP_POLES, 0), ADD},
          {}, {"(-3,0)", "(-3,0)"}, -1, 1, {}, 1.0, IDC_COMP_POLES, IDC_COMP_POLE_EDIT},
         /* Long texts are cut to the work buffers: 2e100 to 63 characters, 2e62. */
         {"long texts",
-         {{DIALOG, ActionKind::Type, IDC_COMP_GAIN, "2" + std::string(100, '0'), 0},
-          {DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, "-1", 0}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0},
-          {DIALOG, ActionKind::Select, IDC_COMP_ZEROS, "", 0}, {DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, longRoot, 0},
-          {DIALOG, ActionKind::Click, IDC_COMP_CHANGE, "", 0}},
-         {longRoot.substr(0, 4095)}, {}, 0, -1, {{-3, INFINITY}}, 2e62,
-         IDC_COMP_ZEROS, IDC_COMP_ZERO_EDIT},
+         {{DIALOG, ActionKind::Type, IDC_COMP_GAIN, "2" + std::string(100, '0'), 0}, zeroText("-1"), ADD,
+          pick(IDC_COMP_ZEROS, 0), zeroText(longRoot), press(IDC_COMP_CHANGE)},
+         {longRoot.substr(0, 4095)}, {}, 0, -1, {{-3, INFINITY}}, 2e62, IDC_COMP_ZEROS, IDC_COMP_ZERO_EDIT},
     };
     for (const Row &row : rows) {
         for (const DialogAction &action : row.actions)
@@ -118,11 +113,7 @@ TEST_F(CompensatorTest, ListEditingAsTheDialogHoldsItAtOk)
 
 TEST_F(CompensatorTest, OkReadsTheDialogAndHandsTheRecordToTheHost)
 {
-    type(IDC_COMP_GAIN, "2.5");
-    type(IDC_COMP_ZERO_EDIT, "-1");
-    click(IDC_COMP_ADD);
-    type(IDC_COMP_POLE_EDIT, "-10");
-    click(IDC_COMP_ADD);
+    queueLead("2.5");
     type(IDC_COMP_POLE_EDIT, "-20,3");
     click(IDC_COMP_ADD);
     click(IDOK);
