@@ -92,9 +92,6 @@ TEST(CompensatorBlock, SessionsOnTheServo)
         {"without OK", {}, "{examples}servo.json compensator --gain 2", 0,
          {"  > cancel", "[end] Compensator Design: 2", "[host] the compensator design was not handed over: add --ok "
           "to the compensator options (in a script: click 1) to hand it over"}, ""},
-        {"without a block", {}, "{examples}servo.json compensator --gain 2 --ok", 0,
-         {"[host] the diagram has no compensator block, so the design is not kept: add a block of type "
-          "\"compensator\" to the diagram to receive it"}, ""},
         /* A design the block cannot take leaves it as it was. */
         {"an improper design", {{"servo.json", COMPENSATED_SERVO}},
          "{dir}/servo.json compensator --add-zero -1 --add-zero -2 --ok --save", 0,

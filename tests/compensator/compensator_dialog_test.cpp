@@ -1,7 +1,7 @@
 /*
 ** tests/compensator/compensator_dialog_test.cpp: the Compensator Design dialog: what it
 ** shows at first use, editing the lists (Add, Del, Change, the current list), reading
-** them, OK with the hand-over to the host, Cancel, persistence and the reset event.
+** them and the root texts, OK with the hand-over to the host, Cancel, and the reset event.
 */
 #include <cmath>
 
@@ -21,7 +21,7 @@ const DialogAction ADD = press(IDC_COMP_ADD);
 
 }
 
-TEST_F(CompensatorTest, FirstUseAndAfterTheResetEventGainOneAndEmptyLists)
+TEST_F(CompensatorTest, FirstUseOkAndTheResetEvent)
 {
     design();
     EXPECT_EQ(shownControl("edit", IDC_COMP_GAIN), "  edit 1023 \"1\"");
@@ -33,12 +33,28 @@ TEST_F(CompensatorTest, FirstUseAndAfterTheResetEventGainOneAndEmptyLists)
     EXPECT_TRUE(hostCommands.empty());
     EXPECT_EQ(currentCompensator.gain, 1.0);
 
-    /* The reset event between invocations: gain one and empty lists again, arrays kept. */
-    type(IDC_COMP_GAIN, "6");
-    type(IDC_COMP_POLE_EDIT, "-4");
-    click(IDC_COMP_ADD);
+    /* OK reads the dialog, hands the record over (request 4) and sends command 255 to the
+    ** main window; the loop lists hold the compensator's roots first, then the plant's. */
+    platform::clearTranscript();
+    queueLead("2.5");
+    queueRoots(IDC_COMP_POLE_EDIT, {"-20,3"});
     click(IDOK);
     design();
+    EXPECT_EQ(currentCompensator.gain, 2.5);
+    ASSERT_EQ(currentCompensator.poleCount, 2);
+    EXPECT_EQ(currentCompensator.poles[1].re, -20.0);
+    EXPECT_EQ(currentCompensator.poles[1].im, 3.0);
+    int request = lineOf("[compensator] gain 2.5 zeros (-1,0) poles (-10,0) (-20,3)");
+    EXPECT_GT(request, lineOf("[end] Compensator Design: 1")) << platform::transcriptText();
+    EXPECT_EQ(hostCommands, (std::vector<std::pair<WPARAM, LPARAM>>{{255, 0}}));
+    ASSERT_EQ(loopZeroCount, 1);
+    ASSERT_EQ(loopPoleCount, 4);
+    EXPECT_EQ(loopPoles[0].re, -10.0);
+    EXPECT_EQ(loopPoles[1].re, -20.0);
+    EXPECT_EQ(loopPoles[2].re, 0.0);
+    EXPECT_EQ(loopPoles[3].re, -1.0);
+
+    /* The reset event between invocations: gain one and empty lists again, arrays kept. */
     Complex *poles = currentCompensator.poles;
     EXPECT_EQ(praxaEvent(EVENT_RESET_COMPENSATOR, 0), 0);
     EXPECT_EQ(currentCompensator.poles, poles);
@@ -109,33 +125,6 @@ TEST_F(CompensatorTest, ListEditingAsTheDialogHoldsItAtOk)
         resetCompensator();
         currentList = currentEdit = 0;
     }
-}
-
-TEST_F(CompensatorTest, OkReadsTheDialogAndHandsTheRecordToTheHost)
-{
-    queueLead("2.5");
-    type(IDC_COMP_POLE_EDIT, "-20,3");
-    click(IDC_COMP_ADD);
-    click(IDOK);
-    design();
-    EXPECT_EQ(currentCompensator.gain, 2.5);
-    ASSERT_EQ(currentCompensator.zeroCount, 1);
-    ASSERT_EQ(currentCompensator.poleCount, 2);
-    EXPECT_EQ(currentCompensator.poles[1].re, -20.0);
-    EXPECT_EQ(currentCompensator.poles[1].im, 3.0);
-    /* request 4 with the record, then command 255 to the main window */
-    int request = lineOf("[compensator] gain 2.5 zeros (-1,0) poles (-10,0) (-20,3)");
-    EXPECT_GT(request, lineOf("[end] Compensator Design: 1")) << platform::transcriptText();
-    ASSERT_EQ(hostCommands.size(), 1u);
-    EXPECT_EQ(hostCommands[0].first, (WPARAM)255);
-    EXPECT_EQ(hostCommands[0].second, (LPARAM)0);
-    /* the loop lists: compensator roots first, then the plant's */
-    ASSERT_EQ(loopZeroCount, 1);
-    ASSERT_EQ(loopPoleCount, 4);
-    EXPECT_EQ(loopPoles[0].re, -10.0);
-    EXPECT_EQ(loopPoles[1].re, -20.0);
-    EXPECT_EQ(loopPoles[2].re, 0.0);
-    EXPECT_EQ(loopPoles[3].re, -1.0);
 }
 
 TEST_F(CompensatorTest, RootTextsParseAsTheUserTypesThem)

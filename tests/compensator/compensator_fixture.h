@@ -41,14 +41,21 @@ inline void type(int control, const std::string &text)
 }
 inline void click(int control) { platform::queueDialogAction(DialogAction{DIALOG, ActionKind::Click, control, "", 0}); }
 
+/* Each root typed into `edit` and added to its list. */
+inline void queueRoots(int edit, const std::vector<std::string> &roots)
+{
+    for (const std::string &root : roots) {
+        type(edit, root);
+        click(IDC_COMP_ADD);
+    }
+}
+
 /* The lead K (s + 1)/(s + 10): gain K, zero -1, pole -10, typed and added. */
 inline void queueLead(const std::string &gain)
 {
     type(IDC_COMP_GAIN, gain);
-    type(IDC_COMP_ZERO_EDIT, "-1");
-    click(IDC_COMP_ADD);
-    type(IDC_COMP_POLE_EDIT, "-10");
-    click(IDC_COMP_ADD);
+    queueRoots(IDC_COMP_ZERO_EDIT, {"-1"});
+    queueRoots(IDC_COMP_POLE_EDIT, {"-10"});
 }
 
 /* The lists as the dialog held them when OK or Cancel was pressed, with their selections. */

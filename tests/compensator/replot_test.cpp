@@ -29,18 +29,6 @@ cd product(cd s, const std::vector<Complex> &roots)
     return p;
 }
 
-/* The text of a message box line, whatever its caption. */
-int messageLine(const std::string &text)
-{
-    for (size_t i = 0; i < lines().size(); i++) {
-        const std::string &line = lines()[i];
-        if (line.size() > text.size() && line[0] == '[' &&
-            line.compare(line.size() - text.size(), text.size(), text) == 0)
-            return (int)i;
-    }
-    return -1;
-}
-
 int marginDialogs() { return countLines("[dialog] Phase and Gain Margins"); }
 
 }
@@ -58,7 +46,7 @@ TEST_F(CompensatorTest, ReplotDrawsTheWholeLoop)
                                complexPair = {{-2, 3}, {-2, -3}};
     const struct {
         const char *name, *gain;
-        std::vector<const char *> zeros, poles;     /* as typed */
+        std::vector<std::string> zeros, poles;      /* as typed */
         double K;                                   /* the compensator's gain */
         std::vector<Complex> loopZeros, loopPoles;
         const char *message;                        /* null: none */
@@ -79,14 +67,8 @@ TEST_F(CompensatorTest, ReplotDrawsTheWholeLoop)
         SCOPED_TRACE(row.name);
         platform::clearTranscript();
         type(IDC_COMP_GAIN, row.gain);
-        for (const char *zero : row.zeros) {
-            type(IDC_COMP_ZERO_EDIT, zero);
-            click(IDC_COMP_ADD);
-        }
-        for (const char *pole : row.poles) {
-            type(IDC_COMP_POLE_EDIT, pole);
-            click(IDC_COMP_ADD);
-        }
+        queueRoots(IDC_COMP_ZERO_EDIT, row.zeros);
+        queueRoots(IDC_COMP_POLE_EDIT, row.poles);
         click(IDC_COMP_REPLOT);
         click(IDOK);
         design();
@@ -106,7 +88,7 @@ TEST_F(CompensatorTest, ReplotDrawsTheWholeLoop)
         }
         bool locus = row.loopZeros.size() <= row.loopPoles.size();
         if (row.message) {
-            int at = messageLine(row.message);
+            int at = lineOf(std::string("[Tervan] ") + row.message);
             EXPECT_GE(at, 0) << platform::transcriptText();
             if (!locus) {
                 EXPECT_GT(at, lineOf("[end] Phase and Gain Margins: 1")) << platform::transcriptText();
@@ -164,11 +146,9 @@ TEST_F(CompensatorTest, ReplotReusesItsPlotsAndCancelKeepsWhatItRead)
 {
     queueLead("10");
     click(IDC_COMP_REPLOT);
-    type(IDC_COMP_POLE_EDIT, "-20");
-    click(IDC_COMP_ADD);
+    queueRoots(IDC_COMP_POLE_EDIT, {"-20"});
     click(IDC_COMP_REPLOT);
-    type(IDC_COMP_POLE_EDIT, "-30");    /* added after the last Replot: not read */
-    click(IDC_COMP_ADD);
+    queueRoots(IDC_COMP_POLE_EDIT, {"-30"});    /* added after the last Replot: not read */
     platform::queueDialogAction(DialogAction{DIALOG, ActionKind::Cancel, 0, "", 0});
     design();
     EXPECT_TRUE(hostCommands.empty());
