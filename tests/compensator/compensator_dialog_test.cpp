@@ -81,14 +81,17 @@ TEST_F(CompensatorTest, ListEditingAsTheDialogHoldsItAtOk)
     } rows[] = {
         /* Add appends the normalized root and selects it; unreadable text reads as 0. */
         {"add",
-         {zeroText("(-2"), ADD, zeroText("3"), ADD, poleText("-1, 2"), ADD, poleText("(-1, -2)"), ADD, poleText("x"), ADD},
+         {zeroText("(-2"), ADD, zeroText("3"), ADD, poleText("-1, 2"), ADD, poleText("(-1, -2)"), ADD, poleText("x"),
+          ADD},
          {"(-2,0)", "(3,0)"}, {"(-1,2)", "(-1,-2)", "(0,0)"}, 1, 2, {{-2, 0}, {3, 0}}, 1.0,
          IDC_COMP_POLES, IDC_COMP_POLE_EDIT},
         /* Change keeps the typed text, which is still read as a root. */
-        {"change", {zeroText("-5"), ADD, zeroText("-7"), ADD, pick(IDC_COMP_ZEROS, 0), zeroText("-2, 1"), press(IDC_COMP_CHANGE)},
+        {"change",
+         {zeroText("-5"), ADD, zeroText("-7"), ADD, pick(IDC_COMP_ZEROS, 0), zeroText("-2, 1"), press(IDC_COMP_CHANGE)},
          {"-2, 1", "(-7,0)"}, {}, 0, -1, {{-2, 1}, {-7, 0}}, 1.0, IDC_COMP_ZEROS, IDC_COMP_ZERO_EDIT},
         /* Del removes the selected entry; the one after it takes its place and the selection. */
-        {"delete", {zeroText("-5"), ADD, zeroText("-7"), ADD, zeroText("-9"), ADD, pick(IDC_COMP_ZEROS, 1), press(IDC_COMP_DEL)},
+        {"delete",
+         {zeroText("-5"), ADD, zeroText("-7"), ADD, zeroText("-9"), ADD, pick(IDC_COMP_ZEROS, 1), press(IDC_COMP_DEL)},
          {"(-5,0)", "(-9,0)"}, {}, 1, -1, {{-5, 0}, {-9, 0}}, 1.0, IDC_COMP_ZEROS, IDC_COMP_ZERO_EDIT},
         /* Selecting an entry copies it into the paired edit and makes its list current; an
         ** empty text reads as 0. */

@@ -35,8 +35,8 @@ TEST_F(Linearizer, DiagramsGiveTheirHandDerivedModels)
     } rows[] = {
         /* x = [amplifier, motor velocity state, motor position state], u = error, y = position:
         ** amp' = -10 amp + 2 u;  m1' = -m1 + 10 amp;  m2' = m1;  y = m2. */
-        {"servo", "servo.json", 0.0, 1e-8, {-10, 0, 0, 10, -1, 0, 0, 1, 0}, {2, 0, 0}, {0, 0, 1}, {0}, nullptr, "err.out",
-         {1.05, 0.95, 1.0}},
+        {"servo", "servo.json", 0.0, 1e-8, {-10, 0, 0, 10, -1, 0, 0, 1, 0}, {2, 0, 0}, {0, 0, 1}, {0}, nullptr,
+         "err.out", {1.05, 0.95, 1.0}},
         /* x' = u * u with both factors perturbed by 0.25: ((2.25)^2 - (1.75)^2) / 0.5 = 4 */
         {"diagram perturbation", R"({"perturbation": 0.25,
             "blocks": [{"id": "src", "type": "constant", "value": 2}, {"id": "x", "type": "integrator"},
