@@ -1,7 +1,7 @@
 /*
 ** tests/compensator/compensator_dialog_test.cpp: the Compensator Design dialog: what it
 ** shows at first use, editing the lists (Add, Del, Change, the current list), reading
-** them, OK with the hand-over to the host, Cancel, persistence and the reset event.
+** them and the root texts, OK with the hand-over to the host, Cancel, and the reset event.
 */
 #include <cmath>
 
@@ -13,9 +13,15 @@ namespace {
 
 using Entries = std::vector<std::string>;
 
+DialogAction zeroText(const std::string &text) { return {DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, text, 0}; }
+DialogAction poleText(const std::string &text) { return {DIALOG, ActionKind::Type, IDC_COMP_POLE_EDIT, text, 0}; }
+DialogAction press(int control) { return {DIALOG, ActionKind::Click, control, "", 0}; }
+DialogAction pick(int list, int index) { return {DIALOG, ActionKind::Select, list, "", index}; }
+const DialogAction ADD = press(IDC_COMP_ADD);
+
 }
 
-TEST_F(CompensatorTest, FirstUseAndAfterTheResetEventGainOneAndEmptyLists)
+TEST_F(CompensatorTest, FirstUseOkAndTheResetEvent)
 {
     design();
     EXPECT_EQ(shownControl("edit", IDC_COMP_GAIN), "  edit 1023 \"1\"");
@@ -27,12 +33,28 @@ TEST_F(CompensatorTest, FirstUseAndAfterTheResetEventGainOneAndEmptyLists)
     EXPECT_TRUE(hostCommands.empty());
     EXPECT_EQ(currentCompensator.gain, 1.0);
 
-    /* The reset event between invocations: gain one and empty lists again, arrays kept. */
-    type(IDC_COMP_GAIN, "6");
-    type(IDC_COMP_POLE_EDIT, "-4");
-    click(IDC_COMP_ADD);
+    /* OK reads the dialog, hands the record over (request 4) and sends command 255 to the
+    ** main window; the loop lists hold the compensator's roots first, then the plant's. */
+    platform::clearTranscript();
+    queueLead("2.5");
+    queueRoots(IDC_COMP_POLE_EDIT, {"-20,3"});
     click(IDOK);
     design();
+    EXPECT_EQ(currentCompensator.gain, 2.5);
+    ASSERT_EQ(currentCompensator.poleCount, 2);
+    EXPECT_EQ(currentCompensator.poles[1].re, -20.0);
+    EXPECT_EQ(currentCompensator.poles[1].im, 3.0);
+    int request = lineOf("[compensator] gain 2.5 zeros (-1,0) poles (-10,0) (-20,3)");
+    EXPECT_GT(request, lineOf("[end] Compensator Design: 1")) << platform::transcriptText();
+    EXPECT_EQ(hostCommands, (std::vector<std::pair<WPARAM, LPARAM>>{{255, 0}}));
+    ASSERT_EQ(loopZeroCount, 1);
+    ASSERT_EQ(loopPoleCount, 4);
+    EXPECT_EQ(loopPoles[0].re, -10.0);
+    EXPECT_EQ(loopPoles[1].re, -20.0);
+    EXPECT_EQ(loopPoles[2].re, 0.0);
+    EXPECT_EQ(loopPoles[3].re, -1.0);
+
+    /* The reset event between invocations: gain one and empty lists again, arrays kept. */
     Complex *poles = currentCompensator.poles;
     EXPECT_EQ(praxaEvent(EVENT_RESET_COMPENSATOR, 0), 0);
     EXPECT_EQ(currentCompensator.poles, poles);
@@ -59,36 +81,28 @@ TEST_F(CompensatorTest, ListEditingAsTheDialogHoldsItAtOk)
     } rows[] = {
         /* Add appends the normalized root and selects it; unreadable text reads as 0. */
         {"add",
-         {{DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, "(-2", 0}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0},
-          {DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, "3", 0}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0},
-          {DIALOG, ActionKind::Type, IDC_COMP_POLE_EDIT, "-1, 2"}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0},
-          {DIALOG, ActionKind::Type, IDC_COMP_POLE_EDIT, "(-1, -2)", 0}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0},
-          {DIALOG, ActionKind::Type, IDC_COMP_POLE_EDIT, "x", 0}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0}},
+         {zeroText("(-2"), ADD, zeroText("3"), ADD, poleText("-1, 2"), ADD, poleText("(-1, -2)"), ADD, poleText("x"),
+          ADD},
          {"(-2,0)", "(3,0)"}, {"(-1,2)", "(-1,-2)", "(0,0)"}, 1, 2, {{-2, 0}, {3, 0}}, 1.0,
          IDC_COMP_POLES, IDC_COMP_POLE_EDIT},
         /* Change keeps the typed text, which is still read as a root. */
         {"change",
-         {{DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, "-5", 0}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0},
-          {DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, "-7", 0}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0},
-          {DIALOG, ActionKind::Select, IDC_COMP_ZEROS, "", 0}, {DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, "-2, 1"},
-          {DIALOG, ActionKind::Click, IDC_COMP_CHANGE, "", 0}},
+         {zeroText("-5"), ADD, zeroText("-7"), ADD, pick(IDC_COMP_ZEROS, 0), zeroText("-2, 1"), press(IDC_COMP_CHANGE)},
          {"-2, 1", "(-7,0)"}, {}, 0, -1, {{-2, 1}, {-7, 0}}, 1.0, IDC_COMP_ZEROS, IDC_COMP_ZERO_EDIT},
+        /* Del removes the selected entry; the one after it takes its place and the selection. */
+        {"delete",
+         {zeroText("-5"), ADD, zeroText("-7"), ADD, zeroText("-9"), ADD, pick(IDC_COMP_ZEROS, 1), press(IDC_COMP_DEL)},
+         {"(-5,0)", "(-9,0)"}, {}, 1, -1, {{-5, 0}, {-9, 0}}, 1.0, IDC_COMP_ZEROS, IDC_COMP_ZERO_EDIT},
         /* Selecting an entry copies it into the paired edit and makes its list current; an
         ** empty text reads as 0. */
         {"select",
-         {{DIALOG, ActionKind::Type, IDC_COMP_POLE_EDIT, "-3", 0}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0},
-          {DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, "-4", 0}, {DIALOG, ActionKind::Select, IDC_COMP_POLES, "", 0},
-          {DIALOG, ActionKind::Type, IDC_COMP_POLE_EDIT, "", 0}, {DIALOG, ActionKind::Select, IDC_COMP_POLES, "", 0},
-          {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0}},
+         {poleText("-3"), ADD, zeroText("-4"), pick(IDC_COMP_POLES, 0), poleText(""), pick(IDC_COMP_POLES, 0), ADD},
          {}, {"(-3,0)", "(-3,0)"}, -1, 1, {}, 1.0, IDC_COMP_POLES, IDC_COMP_POLE_EDIT},
         /* Long texts are cut to the work buffers: 2e100 to 63 characters, 2e62. */
         {"long texts",
-         {{DIALOG, ActionKind::Type, IDC_COMP_GAIN, "2" + std::string(100, '0'), 0},
-          {DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, "-1", 0}, {DIALOG, ActionKind::Click, IDC_COMP_ADD, "", 0},
-          {DIALOG, ActionKind::Select, IDC_COMP_ZEROS, "", 0}, {DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, longRoot, 0},
-          {DIALOG, ActionKind::Click, IDC_COMP_CHANGE, "", 0}},
-         {longRoot.substr(0, 4095)}, {}, 0, -1, {{-3, INFINITY}}, 2e62,
-         IDC_COMP_ZEROS, IDC_COMP_ZERO_EDIT},
+         {{DIALOG, ActionKind::Type, IDC_COMP_GAIN, "2" + std::string(100, '0'), 0}, zeroText("-1"), ADD,
+          pick(IDC_COMP_ZEROS, 0), zeroText(longRoot), press(IDC_COMP_CHANGE)},
+         {longRoot.substr(0, 4095)}, {}, 0, -1, {{-3, INFINITY}}, 2e62, IDC_COMP_ZEROS, IDC_COMP_ZERO_EDIT},
     };
     for (const Row &row : rows) {
         for (const DialogAction &action : row.actions)
@@ -114,37 +128,6 @@ TEST_F(CompensatorTest, ListEditingAsTheDialogHoldsItAtOk)
         resetCompensator();
         currentList = currentEdit = 0;
     }
-}
-
-TEST_F(CompensatorTest, OkReadsTheDialogAndHandsTheRecordToTheHost)
-{
-    type(IDC_COMP_GAIN, "2.5");
-    type(IDC_COMP_ZERO_EDIT, "-1");
-    click(IDC_COMP_ADD);
-    type(IDC_COMP_POLE_EDIT, "-10");
-    click(IDC_COMP_ADD);
-    type(IDC_COMP_POLE_EDIT, "-20,3");
-    click(IDC_COMP_ADD);
-    click(IDOK);
-    design();
-    EXPECT_EQ(currentCompensator.gain, 2.5);
-    ASSERT_EQ(currentCompensator.zeroCount, 1);
-    ASSERT_EQ(currentCompensator.poleCount, 2);
-    EXPECT_EQ(currentCompensator.poles[1].re, -20.0);
-    EXPECT_EQ(currentCompensator.poles[1].im, 3.0);
-    /* request 4 with the record, then command 255 to the main window */
-    int request = lineOf("[compensator] gain 2.5 zeros (-1,0) poles (-10,0) (-20,3)");
-    EXPECT_GT(request, lineOf("[end] Compensator Design: 1")) << platform::transcriptText();
-    ASSERT_EQ(hostCommands.size(), 1u);
-    EXPECT_EQ(hostCommands[0].first, (WPARAM)255);
-    EXPECT_EQ(hostCommands[0].second, (LPARAM)0);
-    /* the loop lists: compensator roots first, then the plant's */
-    ASSERT_EQ(loopZeroCount, 1);
-    ASSERT_EQ(loopPoleCount, 4);
-    EXPECT_EQ(loopPoles[0].re, -10.0);
-    EXPECT_EQ(loopPoles[1].re, -20.0);
-    EXPECT_EQ(loopPoles[2].re, 0.0);
-    EXPECT_EQ(loopPoles[3].re, -1.0);
 }
 
 TEST_F(CompensatorTest, RootTextsParseAsTheUserTypesThem)

@@ -41,14 +41,21 @@ inline void type(int control, const std::string &text)
 }
 inline void click(int control) { platform::queueDialogAction(DialogAction{DIALOG, ActionKind::Click, control, "", 0}); }
 
+/* Each root typed into `edit` and added to its list. */
+inline void queueRoots(int edit, const std::vector<std::string> &roots)
+{
+    for (const std::string &root : roots) {
+        type(edit, root);
+        click(IDC_COMP_ADD);
+    }
+}
+
 /* The lead K (s + 1)/(s + 10): gain K, zero -1, pole -10, typed and added. */
 inline void queueLead(const std::string &gain)
 {
     type(IDC_COMP_GAIN, gain);
-    type(IDC_COMP_ZERO_EDIT, "-1");
-    click(IDC_COMP_ADD);
-    type(IDC_COMP_POLE_EDIT, "-10");
-    click(IDC_COMP_ADD);
+    queueRoots(IDC_COMP_ZERO_EDIT, {"-1"});
+    queueRoots(IDC_COMP_POLE_EDIT, {"-10"});
 }
 
 /* The lists as the dialog held them when OK or Cancel was pressed, with their selections. */
@@ -115,7 +122,8 @@ protected:
         testing_support::releasePluginRecords();
         currentList = currentEdit = 0;
         /* 1/(s (s + 1)) */
-        usePlant(xfertest::controllableForm({1.0, 0.0}, {0.0, 1.0}));
+        plant.reset(xfertest::controllableForm({1.0, 0.0}, {0.0, 1.0}));
+        stateSpaceModel = {plant->A, plant->B, plant->C, plant->D};
         platform::clearTranscript();
     }
 
@@ -128,12 +136,6 @@ protected:
         hostapp::resetHost();
     }
 
-    void usePlant(xfertest::Model *model)
-    {
-        plant.reset(model);
-        stateSpaceModel = {plant->A, plant->B, plant->C, plant->D};
-    }
-
     /* The Compensator Design command's part after the linearization. */
     void design()
     {
@@ -143,21 +145,15 @@ protected:
     /* The dialog run on the plant with the lists noted at its end; returns its end code. */
     INT_PTR designSpied()
     {
-        /* currentXfer's lists exist only inside timeToFrequency: compute them first. */
-        int32_t n = plant->n;
-        std::vector<Complex> zeros(n + 1), poles(n + 1);
-        std::vector<double> num(n + 2), den(n + 2);
-        Polynomial numerator{n + 1, num.data()}, denominator{n + 1, den.data()};
-        stateToZeros(plant->A, plant->B, plant->C, plant->D, zeros.data(), &numerator);
-        stateToPoles(plant->A, poles.data(), &denominator);
-        currentXfer.zeros = zeros.data();
-        currentXfer.poles = poles.data();
-        currentXfer.zeroCount = numerator.count - 1;
-        currentXfer.poleCount = denominator.count - 1;
-        currentXfer.gain = xferGain(plant->A, plant->B, plant->C, plant->D, poles.data(), zeros.data(),
-                                    currentXfer.zeroCount, currentXfer.poleCount);
+        /* currentXfer's lists exist only inside timeToFrequency: the plant's, no zeros and
+        ** the poles 0 and -1, are put there by hand. */
+        Complex poles[] = {{0, 0}, {-1, 0}};
+        currentXfer.zeros = nullptr;
+        currentXfer.zeroCount = 0;
+        currentXfer.poles = poles;
+        currentXfer.poleCount = 2;
         INT_PTR result = runDialog(DIALOG, spiedCompensatorDlg);
-        currentXfer.zeros = currentXfer.poles = nullptr;
+        currentXfer.poles = nullptr;
         return result;
     }
 };

@@ -30,34 +30,18 @@ std::vector<std::string> messageOnly(const char *text) { return {std::string("[T
 
 const std::vector<Complex> TRIPLE_POLE = {{-1, 0}, {-1, 0}, {-1, 0}};
 
-class FrequencyResponse : public FreqTest {
-protected:
-    /* Makes A, B, C, D the linearized model (n states, B and C as columns/rows). */
-    void setModel(uint32_t n, std::initializer_list<double> a, std::initializer_list<double> b,
-                  std::initializer_list<double> c, double d)
-    {
-        testing_support::releasePluginRecords();
-        stateSpaceModel.A = matrixFromRows(n, n, a);
-        stateSpaceModel.B = matrixFromRows(n, 1, b);
-        stateSpaceModel.C = matrixFromRows(1, n, c);
-        stateSpaceModel.D = matrixFromRows(1, 1, {d});
-    }
-    void bodeOfModel(int32_t order)
-    {
-        phasePlot = makePlotNode(0, 0);
-        magnitudePlot = makePlotNode(20, 20);
-        frequencyResponse(phasePlot, magnitudePlot, &frequencyRange, nullptr, nullptr, 0, 0, order, 0, 0.0);
-    }
-};
+class FrequencyResponse : public FreqTest {};
 
-/* Ranges that cannot be swept: the plots are set up and titled, nothing is computed, and a
-** negative end is reported before a zero one; fewer than two steps say nothing. */
+/* Runs that cannot be swept: the plots are set up and titled, nothing is computed, and a
+** negative end is reported before a zero one; no states or fewer than two steps say nothing. */
 TEST_F(FrequencyResponse, RangesThatCannotBeSweptComputeNothing)
 {
     const struct {
         RangeSettings range;
         const char *message;            /* null: no message */
+        int32_t order = 1;
     } rows[] = {
+        {{50, 0.1, 100.0}, nullptr, 0}, /* no states */
         {{1, 0.1, 100.0}, nullptr},
         {{-4, 0.1, 100.0}, nullptr},    /* reserves nothing */
         {{50, -1.0, 0.0}, NEGATIVE_RANGE_MESSAGE},
@@ -70,7 +54,7 @@ TEST_F(FrequencyResponse, RangesThatCannotBeSweptComputeNothing)
         platform::clearTranscript();
         frequencyPlotCount = 0;
         frequencyRange = row.range;
-        bode(2.0, {}, TRIPLE_POLE);
+        bode(2.0, {}, TRIPLE_POLE, row.order);
         EXPECT_EQ(platform::transcript(), row.message ? messageOnly(row.message) : std::vector<std::string>{});
         PlotRecord *phase = plotRecordOf(phasePlot), *magnitude = plotRecordOf(magnitudePlot);
         EXPECT_STREQ(phase->title, "Bode-Phase1");
@@ -83,17 +67,6 @@ TEST_F(FrequencyResponse, RangesThatCannotBeSweptComputeNothing)
             EXPECT_TRUE(std::isnan(magnitudes().at(0))) << "nothing is written";
         }
     }
-
-    /* No states: the plots are titled on, in the phase unit, and nothing is said. */
-    platform::clearTranscript();
-    frequencyRange = {50, 0.1, 100.0};
-    phaseUnit.selected = PHASE_UNIT_RADIANS;
-    bodeOfModel(0);
-    EXPECT_STREQ(plotRecordOf(phasePlot)->title, "Bode-Phase2");
-    EXPECT_STREQ(plotRecordOf(phasePlot)->yLabel, "Phase, (Radians)");
-    EXPECT_EQ(magnitudes().size(), 50u);
-    EXPECT_TRUE(std::isnan(magnitudes().at(0)));
-    EXPECT_EQ(platform::transcriptText(), "");
 }
 
 /* K/(s+1)^3 on the default grid 0.1 ... 100, point by point: in Hertz evaluated at 2 pi f
@@ -103,12 +76,12 @@ TEST_F(FrequencyResponse, LogarithmicGridInBothUnitsAndTheSignOfK)
     const struct {
         int unit, phase;
         double factor, K, perRadian;
-        const char *label;
+        const char *label, *phaseLabel;
     } rows[] = {
-        {FREQUENCY_UNIT_RADIANS, PHASE_UNIT_DEGREES, 1.0, 2.0, 180.0 / PI, "Frequency, (Rad/sec)"},
-        {FREQUENCY_UNIT_HERTZ, PHASE_UNIT_DEGREES, 2 * PI, 2.0, 180.0 / PI, "Frequency, (Hz)"},
-        {FREQUENCY_UNIT_RADIANS, PHASE_UNIT_DEGREES, 1.0, -2.0, 180.0 / PI, "Frequency, (Rad/sec)"},
-        {FREQUENCY_UNIT_RADIANS, PHASE_UNIT_RADIANS, 1.0, -2.0, 1.0, "Frequency, (Rad/sec)"},
+        {FREQUENCY_UNIT_RADIANS, PHASE_UNIT_DEGREES, 1.0, 2.0, 180.0 / PI, "Frequency, (Rad/sec)", "Phase, (Deg)"},
+        {FREQUENCY_UNIT_HERTZ, PHASE_UNIT_DEGREES, 2 * PI, 2.0, 180.0 / PI, "Frequency, (Hz)", "Phase, (Deg)"},
+        {FREQUENCY_UNIT_RADIANS, PHASE_UNIT_DEGREES, 1.0, -2.0, 180.0 / PI, "Frequency, (Rad/sec)", "Phase, (Deg)"},
+        {FREQUENCY_UNIT_RADIANS, PHASE_UNIT_RADIANS, 1.0, -2.0, 1.0, "Frequency, (Rad/sec)", "Phase, (Radians)"},
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(std::string(row.label) + " K = " + std::to_string(row.K));
@@ -120,6 +93,7 @@ TEST_F(FrequencyResponse, LogarithmicGridInBothUnitsAndTheSignOfK)
         ASSERT_EQ(p.size(), 50u);
         PlotRecord *plot = plotRecordOf(magnitudePlot);
         EXPECT_STREQ(plot->xLabel, row.label);
+        EXPECT_STREQ(plotRecordOf(phasePlot)->yLabel, row.phaseLabel);
         EXPECT_EQ(plot->pointCount, 50u);
         EXPECT_EQ(plot->sweepStart, 0.1);
         EXPECT_EQ(plot->sweepStop, 100.0);
@@ -136,8 +110,10 @@ TEST_F(FrequencyResponse, WithoutAPathThroughTheStatesTheResponseIsTheFeedThroug
     for (double d : {3.0, -3.0, 0.0}) {
         SCOPED_TRACE(d);
         platform::clearTranscript();
-        setModel(2, {-1, 0, 0, -2}, {0, 0}, {0, 0}, d);
-        bodeOfModel(2);
+        testing_support::releasePluginRecords();
+        stateSpaceModel = {matrixFromRows(2, 2, {-1, 0, 0, -2}), matrixFromRows(2, 1, {0, 0}),
+                           matrixFromRows(1, 2, {0, 0}), matrixFromRows(1, 1, {d})};
+        bode(1.0, {}, {}, 2);
         for (double v : magnitudes())
             EXPECT_DOUBLE_EQ(v, std::fabs(d));
         for (double v : phases())
@@ -147,36 +123,14 @@ TEST_F(FrequencyResponse, WithoutAPathThroughTheStatesTheResponseIsTheFeedThroug
     }
 }
 
-/* Through the menu commands on the servo example (reuse off). */
-class FrequencyCommands : public FreqTest {
-protected:
-    void load(const std::string &example)
-    {
-        std::string error;
-        ASSERT_TRUE(hostapp::loadDiagramFile(examplePath(example), error)) << error;
-        ASSERT_TRUE(hostapp::applyDiagramReferencePoints(error)) << error;
-        platform::clearTranscript();
-    }
-};
-
-TEST_F(FrequencyCommands, SampledNyquistGetsAtLeastAThousandPointsAndNoFrequencies)
+/* The sampled speed loop through the menu commands: its open loop (0.5 z - 0.4)/(z - 1) *
+** b/(z - a), a = e^-0.1, b = 1 - a, on the unit circle in Bode; a Nyquist curve of at least
+** a thousand points and no frequencies. */
+TEST_F(FreqTest, SampledModelsThroughTheMenuCommands)
 {
-    testing_support::writeFile(dir.file("tervan.ini"), "[tervan]\nfreqStart=0.00001\nfreqSteps=20\n");
-    load("sampled_loop.json");
-    ASSERT_EQ(praxaCmd(250), 1);
-    EXPECT_EQ(frequencyRange.start, 1e-4);
-    EXPECT_EQ(frequencyRange.stop, 2 * PI);
-    EXPECT_EQ(frequencyRange.steps, 1000);
-    PlotRecord *plot = plotRecordOf(nyquistPlot);
-    EXPECT_EQ(plot->pointCount, 1000u);
-    EXPECT_EQ(plot->traces[1].points.count, 1000u);
-    EXPECT_EQ(plot->paramInfo, nullptr);
-}
-
-TEST_F(FrequencyCommands, SampledBodeOfTheSpeedLoop)
-{
-    /* Open loop (0.5 z - 0.4)/(z - 1) * b/(z - a), a = e^-0.1, b = 1 - a, on the unit circle. */
-    load("sampled_loop.json");
+    std::string error;
+    ASSERT_TRUE(hostapp::loadDiagramFile(examplePath("sampled_loop.json"), error)) << error;
+    ASSERT_TRUE(hostapp::applyDiagramReferencePoints(error)) << error;
     ASSERT_EQ(praxaCmd(242), 1);
     std::vector<double> m = points(bodeMagnitudePlot);
     ASSERT_EQ(m.size(), 50u);
@@ -186,6 +140,16 @@ TEST_F(FrequencyCommands, SampledBodeOfTheSpeedLoop)
         std::complex<double> g = (0.5 * z - 0.4) / (z - 1.0) * b / (z - a);
         EXPECT_NEAR(m[k - 1], std::abs(g), 1e-6 * std::abs(g)) << k;
     }
+
+    testing_support::writeFile(dir.file("tervan.ini"), "[tervan]\nfreqStart=0.00001\nfreqSteps=20\n");
+    ASSERT_EQ(praxaCmd(250), 1);
+    EXPECT_EQ(frequencyRange.start, 1e-4);
+    EXPECT_EQ(frequencyRange.stop, 2 * PI);
+    EXPECT_EQ(frequencyRange.steps, 1000);
+    PlotRecord *plot = plotRecordOf(nyquistPlot);
+    EXPECT_EQ(plot->pointCount, 1000u);
+    EXPECT_EQ(plot->traces[1].points.count, 1000u);
+    EXPECT_EQ(plot->paramInfo, nullptr);
 }
 
 }

@@ -1,13 +1,17 @@
 /*
 ** tests/freq/margins_test.cpp: the gain and phase margins of Bode runs, read from the
 ** "Phase and Gain Margins" dialog: textbook loops on the default grid against values
-** derived by hand, crossings exactly on the levels, missing crossovers, units, buttons.
+** derived by hand, crossings exactly on the levels, missing crossovers, both units, buttons,
+** and the bode command of the praxa executable on the servo example with its plot files.
 */
 #include "freq_fixture.h"
+
+#include <cstdlib>
 
 #include "freq/margins.h"
 
 using namespace freqtest;
+using namespace testing_support;
 using platform::ActionKind;
 using platform::DialogAction;
 
@@ -17,41 +21,40 @@ namespace {
 double tripleMagnitude(double K, double w) { return K / std::pow(1.0 + w * w, 1.5); }
 double triplePhase(double w) { return -3.0 * std::atan(w); }
 
-/* The last grid step whose ends lie on both sides of (or on) the level, as a point number. */
-int crossoverPoint(double (*f)(double), double level)
-{
-    int found = -1;
-    for (int k = 2; k <= 50; k++) {
-        double a = f(gridPoint(k - 1, 50, 0.1, 100)), b = f(gridPoint(k, 50, 0.1, 100));
-        if ((a > level && b <= level) || a == level || (a < level && b >= level))
-            found = k - 1;
-    }
-    return found;
-}
-
 class Margins : public FreqTest {};
 
 /* Each loop on its grid against the margins derived by hand: the crossover frequency is
 ** the last grid point before a step that meets the level (1e6 where there is none), the
 ** gain margin |G| there, and the phase margin the phase at the gain crossover plus pi
-** (minus pi where it is above zero). */
+** (minus pi where it is above zero), in the phase unit; frequencies stay in rad/s. */
 TEST_F(Margins, TextbookLoopsAgainstHandDerivedValues)
 {
     const double w15 = gridPoint(15, 50, 0.1, 100), w21 = gridPoint(21, 50, 0.1, 100),
                  w33 = gridPoint(33, 50, 0.1, 100), w4 = gridPoint(4, 5, 1.0, 100.0);
     const int differentiator = crossoverPoint([](double w) { return 2.0 * w; }, 1.0);
     const double degrees = 180.0 / PI, none = 1e6, skip = NAN;
+    /* In Hertz the grid is 0.1 ... 100 Hz, evaluated at 2 pi f. */
+    const int hertzP = crossoverPoint([](double f) { return triplePhase(2 * PI * f); }, -PI),
+              hertzG = crossoverPoint([](double f) { return tripleMagnitude(2.0, 2 * PI * f); }, 1.0);
+    ASSERT_GE(hertzP, 1);
+    ASSERT_GE(hertzG, 1);
+    const double hP = 2 * PI * gridPoint(hertzP, 50, 0.1, 100), hG = 2 * PI * gridPoint(hertzG, 50, 0.1, 100);
     const struct {
         const char *name;
         double K;
         std::vector<Complex> zeros, poles;
         RangeSettings range;
         double phaseCrossover, gainMargin, gainCrossover, phaseMargin; /* NaN: not checked */
-        const char *fields[4];          /* as the dialog shows them; null: not checked */
+        const char *fields[4] = {};     /* as the dialog shows them; null: not checked */
+        int phaseUnit = PHASE_UNIT_DEGREES, frequencyUnit = FREQUENCY_UNIT_RADIANS;
     } rows[] = {
         /* -3 atan w crosses -pi after point 21, |G| crosses 1 after point 15 */
         {"2/(s+1)^3", 2.0, {}, {{-1, 0}, {-1, 0}, {-1, 0}}, {50, 0.1, 100}, w21, tripleMagnitude(2.0, w21), w15,
          (triplePhase(w15) + PI) * degrees, {"1.67683", ".268745", ".719686", "72.7739"}},
+        {"2/(s+1)^3 in radians", 2.0, {}, {{-1, 0}, {-1, 0}, {-1, 0}}, {50, 0.1, 100}, w21, tripleMagnitude(2.0, w21),
+         w15, triplePhase(w15) + PI, {"1.67683", ".268745", ".719686", "1.27014"}, PHASE_UNIT_RADIANS},
+        {"2/(s+1)^3 in Hertz", 2.0, {}, {{-1, 0}, {-1, 0}, {-1, 0}}, {50, 0.1, 100}, hP, tripleMagnitude(2.0, hP), hG,
+         (triplePhase(hG) + PI) * degrees, {}, PHASE_UNIT_DEGREES, FREQUENCY_UNIT_HERTZ},
         /* both levels are met in the same step */
         {"10/(s+1)^3", 10.0, {}, {{-1, 0}, {-1, 0}, {-1, 0}}, {50, 0.1, 100}, w21, tripleMagnitude(10.0, w21), w21,
          (triplePhase(w21) + PI) * degrees, {"1.67683", "1.34372", "1.67683", "2.43077"}},
@@ -64,14 +67,17 @@ TEST_F(Margins, TextbookLoopsAgainstHandDerivedValues)
         /* 10/s on 1 ... 100: |G| is exactly 1 at point 3; the step out of it wins */
         {"10/s", 10.0, {}, {{0, 0}}, {5, 1.0, 100.0}, none, none, 10.0, 90.0, {"1e+006", nullptr, "10", "90"}},
         /* 1/s^2: the phase is exactly -pi everywhere; the last step wins */
-        {"1/s^2", 1.0, {}, {{0, 0}, {0, 0}}, {5, 1.0, 100.0}, w4, 1.0 / (w4 * w4), skip, skip,
-         {nullptr, nullptr, nullptr, nullptr}},
+        {"1/s^2", 1.0, {}, {{0, 0}, {0, 0}}, {5, 1.0, 100.0}, w4, 1.0 / (w4 * w4), skip, skip},
         /* phase +90 degrees at the gain crossover loses pi */
-        {"2s", 2.0, {{0, 0}}, {}, {50, 0.1, 100}, none, none, gridPoint(differentiator, 50, 0.1, 100), -90.0,
-         {nullptr, nullptr, nullptr, nullptr}},
+        {"2s", 2.0, {{0, 0}}, {}, {50, 0.1, 100}, none, none, gridPoint(differentiator, 50, 0.1, 100), -90.0},
         /* |G| = 1 everywhere, the last point taken; phase exactly 0 gains pi */
-        {"(s+1)/(s+1)", 1.0, {{-1, 0}}, {{-1, 0}}, {50, 0.1, 100}, none, none, gridPoint(49, 50, 0.1, 100), 180.0,
-         {nullptr, nullptr, nullptr, nullptr}},
+        {"(s+1)/(s+1)", 1.0, {{-1, 0}}, {{-1, 0}}, {50, 0.1, 100}, none, none, gridPoint(49, 50, 0.1, 100), 180.0},
+        /* 1e5/(s^2 + 1) on 1, 3.16, 10, 31.6, 100: point 1 lies on the pole j1 and reaches the
+        ** tracker as -1000 before it takes point 2's magnitude, so the step up from it crosses 1;
+        ** its phase is atan2(0, 0) - atan2(2, 0) = -pi/2, every later one exactly -pi. */
+        {"1e5/(s^2+1)", 1e5, {}, {{0, 1}, {0, -1}}, {5, 1.0, 100.0}, w4, 1e5 / (w4 * w4 - 1), 1.0, 90.0},
+        /* on two points the gain margin is read at point 1, which took point 2's 1e5/99 */
+        {"1e5/(s^2+1) on two points", 1e5, {}, {{0, 1}, {0, -1}}, {2, 1.0, 10.0}, 1.0, 1e5 / 99, 1.0, 90.0},
     };
     ASSERT_EQ(crossoverPoint(triplePhase, -PI), 21);
     ASSERT_EQ(crossoverPoint([](double w) { return tripleMagnitude(2.0, w); }, 1.0), 15);
@@ -80,6 +86,8 @@ TEST_F(Margins, TextbookLoopsAgainstHandDerivedValues)
         SCOPED_TRACE(row.name);
         platform::clearTranscript();
         frequencyRange = row.range;
+        phaseUnit.selected = row.phaseUnit;
+        frequencyUnit.selected = row.frequencyUnit;
         bode(row.K, row.zeros, row.poles);
         ASSERT_EQ(marginDialogCount(), 1) << platform::transcriptText();
         EXPECT_NEAR(marginResults.phaseCrossoverFreq, row.phaseCrossover, 1e-12 * row.phaseCrossover);
@@ -94,50 +102,6 @@ TEST_F(Margins, TextbookLoopsAgainstHandDerivedValues)
             }
         }
     }
-}
-
-TEST_F(Margins, MarkerOnTheFirstPointReachesTheTrackerBeforePointOneIsReplaced)
-{
-    /* 1e5 / (s^2 + 1) on 1, 3.16, 10, 31.6, 100: point 1 lies on the pole j1 and is handed
-    ** over as -1000; at point 2 (|G| = 1e5 / 9) it takes point 2's magnitude, but the step
-    ** from -1000 up to 11111 has already crossed 1. |G| stays above 1 afterwards. */
-    frequencyRange = {5, 1.0, 100.0};
-    bode(1e5, {}, {{0, 1}, {0, -1}});
-    EXPECT_EQ(magnitudes().at(0), magnitudes().at(1));
-    EXPECT_EQ(marginResults.gainCrossoverFreq, 1.0);
-    /* Phase at point 1: atan2(0, 0) - atan2(2, 0) = -pi/2, so the margin is +90 degrees. */
-    EXPECT_NEAR(marginResults.phaseMargin, 90.0, 1e-12);
-    /* Every later phase is exactly -pi: the last step wins, at point 4. */
-    double w4 = gridPoint(4, 5, 1.0, 100.0);
-    EXPECT_EQ(marginResults.phaseCrossoverFreq, w4);
-    EXPECT_NEAR(marginResults.gainMargin, 1e5 / (w4 * w4 - 1), 1e-9);
-}
-
-TEST_F(Margins, PhaseMarginFollowsThePhaseUnitFrequenciesStayInRadiansPerSecond)
-{
-    phaseUnit.selected = PHASE_UNIT_RADIANS;
-    bode(2.0, {}, {{-1, 0}, {-1, 0}, {-1, 0}});
-    double w15 = gridPoint(15, 50, 0.1, 100);
-    EXPECT_EQ(marginField(IDC_MARGIN_PHASE), "1.27014");
-    EXPECT_NEAR(marginResults.phaseMargin, triplePhase(w15) + PI, 1e-12);
-    EXPECT_EQ(marginField(IDC_MARGIN_GAIN_CROSSOVER), ".719686");
-
-    /* Hertz: the grid is 0.1 ... 100 Hz, the results are its rad/s values. */
-    platform::clearTranscript();
-    phaseUnit.selected = PHASE_UNIT_DEGREES;
-    frequencyUnit.selected = FREQUENCY_UNIT_HERTZ;
-    bode(2.0, {}, {{-1, 0}, {-1, 0}, {-1, 0}});
-    int k = -1;
-    for (int i = 2; i <= 50; i++) {
-        double a = tripleMagnitude(2.0, 2 * PI * gridPoint(i - 1, 50, 0.1, 100));
-        double b = tripleMagnitude(2.0, 2 * PI * gridPoint(i, 50, 0.1, 100));
-        if ((a > 1 && b <= 1) || a == 1 || (a < 1 && b >= 1))
-            k = i - 1;
-    }
-    ASSERT_GE(k, 1);
-    double w = 2 * PI * gridPoint(k, 50, 0.1, 100);
-    EXPECT_NEAR(marginResults.gainCrossoverFreq, w, 1e-12);
-    EXPECT_NEAR(marginResults.phaseMargin, (triplePhase(w) + PI) * 180.0 / PI, 1e-9);
 }
 
 TEST_F(Margins, StepLandingExactlyOnALevelAtTheLastPointIsACrossing)
@@ -181,6 +145,45 @@ TEST_F(Margins, DialogShowsFourDisabledFieldsAndBothButtonsCloseIt)
     /* Cancel closes it like OK: the plots are finished afterwards all the same. */
     EXPECT_LT(text.find("[end] Phase and Gain Margins"), text.find("Bode-Magnitude.svg"));
     EXPECT_LT(text.find("Bode-Magnitude.svg"), text.find("Bode-Phase.svg"));
+}
+
+/* The servo example's open loop 20 / (s (s + 1) (s + 10)). */
+double servoMagnitude(double w) { return 20.0 / (w * std::sqrt(1 + w * w) * std::sqrt(100 + w * w)); }
+double servoPhase(double w) { return -PI / 2 - std::atan(w) - std::atan(w / 10); }
+
+/* The number in `  edit ID "..."` of the printed transcript. */
+double editValue(const std::string &out, int id)
+{
+    std::string prefix = "  edit " + std::to_string(id) + " \"";
+    size_t at = out.find(prefix);
+    return at == std::string::npos ? NAN : std::atof(out.c_str() + at + prefix.size());
+}
+
+TEST(BodeCommand, ServoMarginsAndPlotFiles)
+{
+    TempDir dir;
+    RunResult run = runPraxa("--settings " + dir.file("tervan.ini") + " --out " + dir.path + " " +
+                             examplePath("servo.json") + " bode");
+    ASSERT_EQ(run.status, 0) << run.err << run.out;
+    EXPECT_EQ(run.err, "");
+
+    int phaseCrossover = crossoverPoint(servoPhase, -PI), gainCrossover = crossoverPoint(servoMagnitude, 1.0);
+    ASSERT_EQ(phaseCrossover, 25);      /* the true one is at sqrt(10) = 3.162 */
+    ASSERT_EQ(gainCrossover, 18);
+    double wP = gridPoint(phaseCrossover, 50, 0.1, 100.0), wG = gridPoint(gainCrossover, 50, 0.1, 100.0);
+    EXPECT_NEAR(editValue(run.out, 1032), wP, 1e-5);
+    EXPECT_NEAR(editValue(run.out, 1033), servoMagnitude(wP), 1e-6);
+    EXPECT_NEAR(editValue(run.out, 1034), wG, 1e-5);
+    EXPECT_NEAR(editValue(run.out, 105), (servoPhase(wG) + PI) * 180 / PI, 1e-4);
+    /* The dialog comes first, then the magnitude and the phase plot are shown. */
+    EXPECT_TRUE(hasLinesInOrder(run.out, {"[dialog] Phase and Gain Margins", "  edit 1032 \"2.94705\" (disabled)",
+                                          "  edit 105 \"36.0425\" (disabled)", "[plot] Bode-Magnitude.svg",
+                                          "[plot] Bode-Phase.svg"}));
+
+    std::string phaseSvg = readFile(dir.file("Bode-Phase.svg"));
+    /* The phase runs from -96 to -264 degrees: its axis spans -280 ... -80. */
+    EXPECT_NE(phaseSvg.find(">-280</text>"), std::string::npos);
+    EXPECT_NE(phaseSvg.find(">-80</text>"), std::string::npos);
 }
 
 }

@@ -45,31 +45,31 @@ TEST(EvalPoleZero, AgreesWithComplexArithmeticOnRandomRoots)
     }
 }
 
-TEST(EvalPoleZero, AngleIsThePlainSumOfTheFactorAngles)
+/* Exact values: the angle is the plain sum of the factor angles (three poles at -1 seen
+** from 10j give -3 atan 10, beyond -pi: no wrapping), a factor on a root adds atan2(0, 0) = 0
+** and its modulus 0, and a negative K turns the angle by pi. */
+TEST(EvalPoleZero, ExactValuesOnAndOffTheRoots)
 {
-    /* Three poles at -1 at s = 10j: -3 atan 10, beyond -pi (no wrapping). */
-    std::vector<Complex> poles = {{-1, 0}, {-1, 0}, {-1, 0}};
-    PoleZeroValue v = evalPoleZero({0, 10}, nullptr, 0, poles.data(), 3, 2.0);
-    EXPECT_DOUBLE_EQ(v.angle, -3.0 * std::atan(10.0));
-    EXPECT_LT(v.angle, -PI);
-    EXPECT_DOUBLE_EQ(v.magnitude, 2.0 / std::pow(101.0, 1.5));
-    EXPECT_DOUBLE_EQ(v.denominatorMagnitude, std::pow(101.0, 1.5));
-}
-
-TEST(EvalPoleZero, PointsOnRootsAndEmptyLists)
-{
-    std::vector<Complex> zeros = {{0, 2}}, poles = {{0, 5}, {-1, 0}};
-    PoleZeroValue onZero = evalPoleZero({0, 2}, zeros.data(), 1, poles.data(), 2, 1.0);
-    EXPECT_EQ(onZero.magnitude, 0.0);
-    PoleZeroValue onPole = evalPoleZero({0, 5}, zeros.data(), 1, poles.data(), 2, 1.0);
-    EXPECT_EQ(onPole.denominatorMagnitude, 0.0);
-    /* The factor on the pole adds atan2(0, 0) = 0 to the angle. */
-    EXPECT_DOUBLE_EQ(onPole.angle, PI / 2 - std::atan2(5.0, 1.0));
-
-    PoleZeroValue constant = evalPoleZero({0.3, 7}, nullptr, 0, nullptr, 0, -3.0);
-    EXPECT_EQ(constant.magnitude, 3.0);
-    EXPECT_EQ(constant.angle, PI);
-    EXPECT_EQ(constant.denominatorMagnitude, 1.0);
+    const std::vector<Complex> triple = {{-1, 0}, {-1, 0}, {-1, 0}}, zeros = {{0, 2}}, poles = {{0, 5}, {-1, 0}};
+    const std::vector<Complex> none;
+    const struct {
+        Complex s;
+        const std::vector<Complex> &zeros, &poles;
+        double K, magnitude, angle, denominator;
+    } rows[] = {
+        {{0, 10}, none, triple, 2.0, 2.0 / std::pow(101.0, 1.5), -3.0 * std::atan(10.0), std::pow(101.0, 1.5)},
+        {{0, 2}, zeros, poles, 1.0, 0.0, PI / 2 - std::atan2(2.0, 1.0), 3.0 * std::sqrt(5.0)},
+        {{0, 5}, zeros, poles, 1.0, INFINITY, PI / 2 - std::atan2(5.0, 1.0), 0.0},
+        {{0.3, 7}, none, none, -3.0, 3.0, PI, 1.0},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.s.im);
+        PoleZeroValue v = evalPoleZero(row.s, row.zeros.data(), (int32_t)row.zeros.size(), row.poles.data(),
+                                       (int32_t)row.poles.size(), row.K);
+        EXPECT_DOUBLE_EQ(v.magnitude, row.magnitude);
+        EXPECT_DOUBLE_EQ(v.angle, row.angle);
+        EXPECT_DOUBLE_EQ(v.denominatorMagnitude, row.denominator);
+    }
 }
 
 TEST(RootMagnitudes, LargestAndSmallestOverBothLists)

@@ -59,9 +59,7 @@ TEST_F(BlockLibrary, EachBlockLinearizesToItsHandJacobian)
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(std::string(row.block) + " at u1 = " + std::to_string(row.at[0]));
-        load(jacobianDiagram(row.block, row.at));
-        std::string error;
-        ASSERT_TRUE(hostapp::applyDiagramReferencePoints(error)) << error;
+        load(jacobianDiagram(row.block, row.at), true);
         ASSERT_EQ(linearize(nullptr), 1) << platform::transcriptText();
         expectMatrix(stateSpaceModel.C, 1, (uint32_t)row.at.size(), row.jacobian, 1e-7);
         expectMatrix(stateSpaceModel.D, 1, 1, {0});

@@ -27,17 +27,24 @@ protected:
     }
     void TearDown() override { hostapp::clearDiagram(); }
 
-    void load(const std::string &text)
+    /* Loads a diagram text; with `references`, clicks its own reference points too. */
+    void load(const std::string &text, bool references = false)
     {
         std::string error;
         ASSERT_TRUE(hostapp::loadDiagramText(text, "test.json", error)) << error;
+        if (references) {
+            ASSERT_TRUE(hostapp::applyDiagramReferencePoints(error)) << error;
+        }
     }
-    /* Loads examples/NAME and clicks its own reference points, as the command line does. */
-    void loadExample(const std::string &name)
+    /* Loads examples/NAME and clicks its own reference points, as the command line does,
+    ** unless told not to. */
+    void loadExample(const std::string &name, bool references = true)
     {
         std::string error;
         ASSERT_TRUE(hostapp::loadDiagramFile(testing_support::examplePath(name), error)) << error;
-        ASSERT_TRUE(hostapp::applyDiagramReferencePoints(error)) << error;
+        if (references) {
+            ASSERT_TRUE(hostapp::applyDiagramReferencePoints(error)) << error;
+        }
     }
     void click(const std::string &point)
     {

@@ -36,6 +36,8 @@ TEST(LinearizeDialog, SessionsThroughTheDialog)
         {"a name without a dot is written whole; an empty name beeps", {},
          "{examples}sampled_loop.json linearize --click 207 --type 101= --click 1 --type 101=loop", 0,
          {"  > click 1", "[beep]", "  > type 101 \"loop\"", "[file written] {dir}/loop"}},
+        {"screen display needs no name", {}, "{examples}servo.json linearize --type 101= --click 1", 0,
+         {"[end] System Linearization: 1", "[Tervan] a = [-10 0 0 ;", "    10 -1 0 ;", "[Tervan] d = [0 ];"}},
         {"the result file name keeps at most 31 characters", {},
          "{examples}servo.json linearize --click 207 --type 101=abcdefghijklmnopqrstuvwxyz0123456789.m", 0, {}, "",
          {{"abcdefghijklmnopqrstuvwxyz01234", longName.c_str()}}},

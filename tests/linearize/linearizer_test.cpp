@@ -10,20 +10,12 @@
 
 namespace {
 
-class Linearizer : public DiagramTest {
-protected:
-    /* Loads a diagram text and clicks its own reference points. */
-    void loadWithReferences(const std::string &text)
-    {
-        load(text);
-        std::string error;
-        ASSERT_TRUE(hostapp::applyDiagramReferencePoints(error)) << error;
-        platform::clearTranscript();
-    }
-};
+using Linearizer = DiagramTest;
 
 /* Hand-derived models of the examples and of small diagrams, each with the period the run
-** gives and the one message it shows (if any); the diagram's values are as they were. */
+** gives and the one message it shows (if any); the diagram's values are as they were. The
+** input is raised and lowered by the perturbation (the diagram's own, if it has one) and
+** then restored, the steps seeing it so. */
 TEST_F(Linearizer, DiagramsGiveTheirHandDerivedModels)
 {
     const double pole = std::exp(-0.1);
@@ -38,10 +30,20 @@ TEST_F(Linearizer, DiagramsGiveTheirHandDerivedModels)
         double period, tolerance;
         std::vector<double> a, b, c, d;
         const char *message;
+        const char *input = nullptr;    /* the input's value as each step sees it, when given */
+        std::vector<double> seen = {};
     } rows[] = {
         /* x = [amplifier, motor velocity state, motor position state], u = error, y = position:
         ** amp' = -10 amp + 2 u;  m1' = -m1 + 10 amp;  m2' = m1;  y = m2. */
-        {"servo", "servo.json", 0.0, 1e-8, {-10, 0, 0, 10, -1, 0, 0, 1, 0}, {2, 0, 0}, {0, 0, 1}, {0}, nullptr},
+        {"servo", "servo.json", 0.0, 1e-8, {-10, 0, 0, 10, -1, 0, 0, 1, 0}, {2, 0, 0}, {0, 0, 1}, {0}, nullptr,
+         "err.out", {1.05, 0.95, 1.0}},
+        /* x' = u * u with both factors perturbed by 0.25: ((2.25)^2 - (1.75)^2) / 0.5 = 4 */
+        {"diagram perturbation", R"({"perturbation": 0.25,
+            "blocks": [{"id": "src", "type": "constant", "value": 2}, {"id": "x", "type": "integrator"},
+                       {"id": "sq", "type": "product"}],
+            "wires": [["src", "sq.1"], ["src", "sq.2"], ["sq", "x"]],
+            "selection": ["sq", "x"], "input": "sq.1", "output": "x.out"})",
+         0.0, 1e-12, {0}, {4}, {1}, {0}, nullptr, "src.out", {2.25, 1.75, 2.0}},
         /* theta'' = u - 0.5 theta' - 9.81 sin(theta): A = [[0, 1], [-+9.81, -0.5]] at theta = 0 / pi. */
         {"pendulum hanging", "pendulum_hanging.json", 0.0, 1e-6, {0, 1, -9.81, -0.5}, {0, 1}, {1, 0}, {0}, nullptr},
         {"pendulum inverted", "pendulum_inverted.json", 0.0, 1e-6, {0, 1, 9.81, -0.5}, {0, 1}, {1, 0}, {0}, nullptr},
@@ -81,13 +83,18 @@ TEST_F(Linearizer, DiagramsGiveTheirHandDerivedModels)
     for (const Row &row : rows) {
         SCOPED_TRACE(row.name);
         if (row.diagram.front() == '{')
-            loadWithReferences(row.diagram);
+            load(row.diagram, true);
         else
             loadExample(row.diagram);
         platform::clearTranscript();
-        std::vector<double> before = hostapp::diagramValues();
+        std::vector<double> before = hostapp::diagramValues(), seen;
+        if (row.input) {
+            double *input = &hostapp::diagramPoint(row.input)->signal->value.scalar;
+            hostapp::setSimulationStepObserver([&seen, input] { seen.push_back(*input); });
+        }
         double period = -1;
         ASSERT_EQ(linearize(&period), 1);
+        EXPECT_EQ(seen, row.seen);
         EXPECT_EQ(period, row.period);
         uint32_t n = (uint32_t)row.b.size();
         expectMatrix(stateSpaceModel.A, n, n, row.a, row.tolerance);
@@ -103,50 +110,10 @@ TEST_F(Linearizer, DiagramsGiveTheirHandDerivedModels)
     }
 }
 
-TEST_F(Linearizer, InputIsRaisedLoweredAndRestoredAndTheDiagramIsLeftAsItWas)
-{
-    loadExample("servo.json");
-    double *input = &hostapp::diagramPoint("err.out")->signal->value.scalar;
-    ASSERT_EQ(*input, 1.0);
-    std::vector<double> seen;
-    hostapp::setSimulationStepObserver([&] { seen.push_back(*input); });
-    std::vector<double> before = hostapp::diagramValues();
-
-    double period = -1;
-    ASSERT_EQ(linearize(&period), 1);
-    ASSERT_EQ(seen.size(), 3u);
-    EXPECT_DOUBLE_EQ(seen[0], 1.05);
-    EXPECT_DOUBLE_EQ(seen[1], 0.95);
-    EXPECT_EQ(seen[2], 1.0);
-    EXPECT_EQ(hostapp::diagramValues(), before);
-}
-
-TEST_F(Linearizer, DiagramPerturbationIsUsedForTheInput)
-{
-    loadWithReferences(R"({"perturbation": 0.25,
-        "blocks": [{"id": "src", "type": "constant", "value": 2}, {"id": "x", "type": "integrator"},
-                   {"id": "sq", "type": "product"}],
-        "wires": [["src", "sq.1"], ["src", "sq.2"], ["sq", "x"]],
-        "selection": ["sq", "x"], "input": "sq.1", "output": "x.out"})");
-    std::vector<double> seen;
-    double *input = &hostapp::diagramPoint("src.out")->signal->value.scalar;
-    hostapp::setSimulationStepObserver([&] { seen.push_back(*input); });
-    double period = -1;
-    ASSERT_EQ(linearize(&period), 1);
-    EXPECT_EQ(seen, (std::vector<double>{2.25, 1.75, 2.0}));
-    /* x' = u * u with both factors perturbed: ((2.25)^2 - (1.75)^2) / 0.5 = 4. */
-    expectMatrix(stateSpaceModel.B, 1, 1, {4}, 1e-12);
-}
-
+/* The servo without its reference points; the candidates' marks are cleared afterwards. */
 TEST_F(Linearizer, WithoutReferencePointsTheFirstVisitedOnesAreTakenAndHighlighted)
 {
-    load(R"({"blocks": [
-        {"id": "ref", "type": "step", "value": 1}, {"id": "err", "type": "sum", "signs": "+-"},
-        {"id": "ctrl", "type": "gain", "gain": 2},
-        {"id": "amp", "type": "transferFunction", "num": [10], "den": [1, 10]},
-        {"id": "motor", "type": "transferFunction", "num": [1], "den": [1, 1, 0]}],
-        "wires": [["ref", "err.1"], ["err", "ctrl"], ["ctrl", "amp"], ["amp", "motor"], ["motor", "err.2"]],
-        "selection": ["ctrl", "amp", "motor"]})");
+    loadExample("servo.json", false);
     double period = -1;
     ASSERT_EQ(linearize(&period), 1);
     ASSERT_EQ(outputRefList.count, 1u);
@@ -157,6 +124,8 @@ TEST_F(Linearizer, WithoutReferencePointsTheFirstVisitedOnesAreTakenAndHighlight
     EXPECT_TRUE(highlighted("ctrl.in"));
     expectMatrix(stateSpaceModel.A, 3, 3, {-10, 0, 0, 10, -1, 0, 0, 1, 0});
     expectMatrix(stateSpaceModel.B, 3, 1, {2, 0, 0});
+    for (const char *name : {"ctrl", "amp", "motor"})
+        EXPECT_FALSE(hostapp::diagramBlock(name)->flags & BLOCK_FLAG_CANDIDATE_MARK) << name;
 
     /* The next run keeps the points found. */
     ASSERT_EQ(linearize(&period), 1);
@@ -175,9 +144,6 @@ TEST_F(Linearizer, StoppedRunsSayWhyAndKeepThePreviousModel)
             {"id": "k1", "type": "gain", "gain": 2}, {"id": "k2", "type": "gain", "gain": 3}],
             "wires": [["src", "k1"], ["k1", "k2"]], "selection": ["k1", "k2"], "input": "k1.in", "output": "k2.out"})",
          "[Tervan] No blocks with state in selection", nullptr},
-        {R"({"blocks": [{"id": "src", "type": "constant", "value": 1},
-            {"id": "k1", "type": "gain", "gain": 2}], "wires": [["src", "k1"]]})",
-         "[Tervan] No blocks with state in selection", nullptr},
         /* the source is selected: the output is found and highlighted, no input */
         {R"({"blocks": [{"id": "src", "type": "step", "value": 1}, {"id": "x", "type": "integrator"},
             {"id": "scope", "type": "plot"}], "wires": [["src", "x"], ["x", "scope"]], "selection": ["src", "x"]})",
@@ -188,7 +154,8 @@ TEST_F(Linearizer, StoppedRunsSayWhyAndKeepThePreviousModel)
         loadExample("servo.json");
         double period = -7;
         ASSERT_EQ(linearize(&period), 1);
-        loadWithReferences(row.diagram);
+        load(row.diagram, true);
+        platform::clearTranscript();
         period = -7;
         EXPECT_EQ(linearize(&period), 0);
         EXPECT_EQ(period, -7);

@@ -1,6 +1,6 @@
 /*
-** tests/linearize/reference_points_test.cpp: picking reference points by clicks, the
-** marking of candidates, and the order of the state blocks.
+** tests/linearize/reference_points_test.cpp: picking reference points by clicks and the
+** marking of candidates.
 */
 #include "fixture.h"
 
@@ -23,7 +23,8 @@ const char *const SERVO_WITH_ERROR_PLOT = R"({"blocks": [
     "selection": ["ctrl", "motor"]})";
 
 /* Click sequences on the servo with an error plot: the points taken, the ones highlighted
-** (of motor.out, ctrl.out, ctrl.in, scope.1, ref.out), the beeps and the repaints. */
+** (of motor.out, ctrl.out, ctrl.in, scope.1, ref.out), the beeps and the repaints; every
+** click marks the candidates, the selected blocks. */
 TEST_F(RefPoints, ClicksTakeReplaceAndDropPoints)
 {
     const struct {
@@ -71,22 +72,10 @@ TEST_F(RefPoints, ClicksTakeReplaceAndDropPoints)
         if (row.repaints >= 0) {
             EXPECT_EQ(hostapp::host().repaints, repaints + row.repaints);
         }
+        for (const char *name : {"ctrl", "motor", "ref", "err", "scope"})
+            EXPECT_EQ((hostapp::diagramBlock(name)->flags & BLOCK_FLAG_CANDIDATE_MARK) != 0,
+                      name == std::string("ctrl") || name == std::string("motor")) << name;
     }
-}
-
-TEST_F(RefPoints, ClickingMarksTheCandidatesAndLinearizingClearsTheMarks)
-{
-    load(SERVO_WITH_ERROR_PLOT);
-    click("motor.out");
-    for (const char *name : {"ctrl", "motor"})
-        EXPECT_TRUE(hostapp::diagramBlock(name)->flags & BLOCK_FLAG_CANDIDATE_MARK) << name;
-    for (const char *name : {"ref", "err", "scope"})
-        EXPECT_FALSE(hostapp::diagramBlock(name)->flags & BLOCK_FLAG_CANDIDATE_MARK) << name;
-
-    double period = 0;
-    ASSERT_EQ(linearize(&period), 1);
-    for (const char *name : {"ctrl", "motor"})
-        EXPECT_FALSE(hostapp::diagramBlock(name)->flags & BLOCK_FLAG_CANDIDATE_MARK) << name;
 }
 
 }
