@@ -129,32 +129,29 @@ SmallSignal smallSignal(Diagram &diagram, Point &input, Point &output)
 }
 
 /* G(s) = D + C B / s + C A B / s^2 + ...: zero when D and the first n Markov
-** parameters are (against the size of their factors, which central differences of
-** blocks that pass no change leave exactly 0). */
+** parameters are. Each C A^k B is measured against sum |c_i| |(A^k B)_i|, the size of the
+** products it was summed from, so that only cancellation to rounding level counts as zero;
+** a bound grown by |A| at every step would call the late first Markov parameter of a high
+** relative degree zero. Blocks that pass no change leave exact zeros (their central
+** differences are exactly 0), which pass either way. */
 bool transferIsZero(const SmallSignal &m)
 {
-    auto norm = [](const std::vector<double> &v) {
-        double s = 0.0;
-        for (double x : v)
-            s += x * x;
-        return std::sqrt(s);
-    };
     if (m.d != 0.0)
         return false;
     std::vector<double> power = m.b;    /* A^k B */
-    double scale = norm(m.c) * norm(m.b), normA = norm(m.a);
     for (size_t k = 0; k < m.n; ++k) {
-        double markov = 0.0;
-        for (size_t i = 0; i < m.n; ++i)
+        double markov = 0.0, size = 0.0;
+        for (size_t i = 0; i < m.n; ++i) {
             markov += m.c[i] * power[i];
-        if (std::fabs(markov) > 1e-9 * scale)
+            size += std::fabs(m.c[i] * power[i]);
+        }
+        if (std::fabs(markov) > 1e-9 * size)
             return false;
         std::vector<double> next(m.n, 0.0);
         for (size_t i = 0; i < m.n; ++i)
             for (size_t j = 0; j < m.n; ++j)
                 next[i] += m.a[i * m.n + j] * power[j];
         power = next;
-        scale *= std::max(normA, 1.0);
     }
     return true;
 }
