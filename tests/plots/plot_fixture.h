@@ -13,8 +13,6 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -104,26 +102,6 @@ protected:
                     buffer->highestIndex = (uint32_t)s;
             }
         }
-    }
-
-    std::string readFile(const std::string &name) const
-    {
-        std::ifstream in(outputDir / name);
-        std::stringstream text;
-        text << in.rdbuf();
-        return text.str();
-    }
-
-    bool hasFile(const std::string &name) const { return std::filesystem::exists(outputDir / name); }
-
-    std::vector<std::string> svgFiles() const
-    {
-        std::vector<std::string> names;
-        for (const auto &entry : std::filesystem::directory_iterator(outputDir))
-            if (entry.path().extension() == ".svg")
-                names.push_back(entry.path().filename().string());
-        std::sort(names.begin(), names.end());
-        return names;
     }
 };
 
