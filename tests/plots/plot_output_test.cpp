@@ -164,18 +164,6 @@ TEST_F(PlotTest, FlatCurvesGetABandOfTenPercentBeforeTheHostRescales)
     }
 }
 
-TEST_F(PlotTest, NyquistBoundsComeFromTheTraces)
-{
-    HostBlock *block = nyquistPlot({1.0, 0.5, NAN, -0.2, 0.0}, {0.0, -0.5, 7.0, -0.3, INFINITY});
-    finishPlot(block, 0, 0, 0);
-    PlotRecord *plot = plotRecordOf(block);
-    /* Data x -0.2 ... 1 and y -0.5 ... 0 (the non-finite points do not count). */
-    EXPECT_NEAR(plot->xMin, -0.2, 1e-12);
-    EXPECT_NEAR(plot->xMax, 1.0, 1e-12);
-    EXPECT_NEAR(plot->yMin, -0.5, 1e-12);
-    EXPECT_NEAR(plot->yMax, 0.0, 1e-12);
-}
-
 TEST_F(PlotTest, RootLocusBoundsComeFromTheBuffers)
 {
     gainRange.steps = 3;
