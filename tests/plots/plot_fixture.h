@@ -65,9 +65,7 @@ protected:
         setupFrequencyPlot(plot, title, &range);
         preallocDList(&plot->traces[0].points, &plot->pointIndex);
         plot->traces[0].points.count = (uint32_t)values.size();
-        double *points = (double *)plot->traces[0].points.items;
-        for (size_t i = 0; i < values.size(); ++i)
-            points[i] = values[i];
+        std::copy(values.begin(), values.end(), (double *)plot->traces[0].points.items);
         return block;
     }
 
@@ -77,11 +75,8 @@ protected:
         RangeSettings range = frequencyRange;
         range.steps = (int32_t)re.size();
         HostBlock *block = testing_support::nyquistPlotBlock(range);
-        for (int k = 0; k < 2; ++k) {
-            double *points = (double *)plotRecordOf(block)->traces[k].points.items;
-            for (size_t i = 0; i < re.size(); ++i)
-                points[i] = k == 0 ? re[i] : im[i];
-        }
+        std::copy(re.begin(), re.end(), (double *)plotRecordOf(block)->traces[0].points.items);
+        std::copy(im.begin(), im.end(), (double *)plotRecordOf(block)->traces[1].points.items);
         return block;
     }
 

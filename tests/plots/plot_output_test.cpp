@@ -87,7 +87,7 @@ TEST_F(PlotTest, FrequencyPlotTitleLabelAndSweep)
     }
 }
 
-TEST_F(PlotTest, RootLocusPlotsAreNumberedAndSetUp)
+TEST_F(PlotTest, RootLocusPlotsAreNumberedSetUpAndBoundedByTheirBuffers)
 {
     gainRange = {40, 2.0, 80.0};
     makeRootLocusPlot(2);
@@ -115,6 +115,20 @@ TEST_F(PlotTest, RootLocusPlotsAreNumberedAndSetUp)
             EXPECT_EQ(buffer->capacity, 40u);
             EXPECT_EQ(buffer->highestIndex, 0u);
         }
+    /* The bounds come from the points the buffers hold. */
+    storeBranch(plot, 0, {-1.0, -2.0, -3.7}, {0.0, 0.0, 0.0});
+    storeBranch(plot, 1, {-1.0, -0.5, -0.5}, {0.0, 1.2, 2.9});
+    storeBranch(plot, 2, {-2.0, -2.0, -2.0}, {0.0, 0.0, 0.0});
+    setXYPlotBounds(block, 0, 1);
+    EXPECT_EQ(plot->xMin, -3.7);
+    EXPECT_EQ(plot->xMax, -0.5);
+    EXPECT_EQ(plot->yMin, 0.0);
+    EXPECT_EQ(plot->yMax, 2.9);
+    finishPlot(block, 0, 0, 0);
+    EXPECT_NEAR(plot->xMin, -4.0, 1e-12);   /* steps of 0.5 */
+    EXPECT_NEAR(plot->xMax, -0.5, 1e-12);
+    EXPECT_NEAR(plot->yMin, 0.0, 1e-12);
+    EXPECT_NEAR(plot->yMax, 3.0, 1e-12);
 }
 
 /* Every pair the plug-in hands to the host's rescaling, as handed over: the host widens
@@ -162,25 +176,6 @@ TEST_F(PlotTest, FlatCurvesGetABandOfTenPercentBeforeTheHostRescales)
             EXPECT_EQ(plot->flagsB & 0x03, 0x03) << "logarithmic axes";
         }
     }
-}
-
-TEST_F(PlotTest, RootLocusBoundsComeFromTheBuffers)
-{
-    gainRange.steps = 3;
-    HostBlock *block = makeRootLocusPlot(2);
-    PlotRecord *plot = plotRecordOf(block);
-    storeBranch(plot, 0, {-1.0, -2.0, -3.7}, {0.0, 0.0, 0.0});
-    storeBranch(plot, 1, {-1.0, -0.5, -0.5}, {0.0, 1.2, 2.9});
-    setXYPlotBounds(block, 0, 1);
-    EXPECT_EQ(plot->xMin, -3.7);
-    EXPECT_EQ(plot->xMax, -0.5);
-    EXPECT_EQ(plot->yMin, 0.0);
-    EXPECT_EQ(plot->yMax, 2.9);
-    finishPlot(block, 0, 0, 0);
-    EXPECT_NEAR(plot->xMin, -4.0, 1e-12);   /* steps of 0.5 */
-    EXPECT_NEAR(plot->xMax, -0.5, 1e-12);
-    EXPECT_NEAR(plot->yMin, 0.0, 1e-12);
-    EXPECT_NEAR(plot->yMax, 3.0, 1e-12);
 }
 
 TEST_F(PlotTest, PointBufferRequests)

@@ -1,7 +1,8 @@
 /*
-** Plots written as SVG files: parsed back as XML and checked for what a reader sees; and
-** their coordinates, written as C's printf writes "%.2f", including the values whose
-** hundredths sit on or next to a tie, negative zero and magnitudes past the short way.
+** Plots written as SVG files: parsed back as XML and checked for what a reader sees (and
+** the bounds a Nyquist record keeps); and their coordinates, written as C's printf writes
+** "%.2f", including hundredths on or next to a tie, negative zero and magnitudes past the
+** short way.
 */
 #include <pugixml.hpp>
 
