@@ -155,7 +155,7 @@ TEST_F(Profile, EachLineKeepsItsOwnBreak)
     }
 }
 
-TEST_F(Profile, WriteThroughALinkAndOverALeftoverTemporaryAndReadOnlyFileLeftAlone)
+TEST_F(Profile, LinkReadOnlyFileAndLeftoverTemporary)
 {
     std::string target = dir.file("real.ini");
     writeFile(target, "[tervan]\nk=0\n");

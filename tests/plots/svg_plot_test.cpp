@@ -175,6 +175,7 @@ TEST_F(SvgPlotTest, NyquistDrawsRealAgainstImaginary)
     }
     re[7] = NAN;
     im[7] = 7.0;
+    re[20] = -3.0;
     im[20] = INFINITY;
     HostBlock *block = nyquistPlot(re, im);
     finishPlot(block, 0, 0, 0);
