@@ -1,11 +1,22 @@
 /*
 ** tests/platform/profile_test.cpp: settings files read and written through the private-profile
-** calls: values, defaults, truncation, lists, and writes that keep the rest of the file.
+** calls: values, defaults, truncation, writes that keep the rest of the file and each line's
+** own break, a link written through to its target, and writes refused with the reason.
 */
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+
 #include "platform/driver.h"
 #include "support.h"
+
+namespace fs = std::filesystem;
+using testing_support::readFile;
+using testing_support::writeFile;
 
 namespace {
 
@@ -44,6 +55,15 @@ const char *const settings =
 
 TEST_F(Profile, ReadsValuesWithoutRegardToCaseTrimmedAndUnquoted)
 {
+    /* A missing or unreadable file reads as empty. */
+    EXPECT_EQ(get("tervan", "freqStart", "0.1"), "0.1");
+    EXPECT_EQ(GetPrivateProfileStringA("tervan", "x", "d", nullptr, 10, path.c_str()), 0u);
+    std::string saved = path;
+    for (const std::string &unreadable : {folder, folder + "/no/such/dir/x.ini"}) {
+        path = unreadable;
+        EXPECT_EQ(get("tervan", "freqStart", "7"), "7") << path;
+    }
+    path = saved;
     write(settings);
     EXPECT_EQ(get("tervan", "phaseUnits"), "212");
     EXPECT_EQ(get("TERVAN", "FREQSTART"), "0.1");
@@ -55,18 +75,6 @@ TEST_F(Profile, ReadsValuesWithoutRegardToCaseTrimmedAndUnquoted)
     EXPECT_EQ(get("tervan", "units"), "");                  /* a comment is no key */
     EXPECT_EQ(get("tervan", "phaseUnits", "", 3), "21");    /* size - 1 characters */
     EXPECT_EQ(get("tervan", "phaseUnits", "", 1), "");
-}
-
-TEST_F(Profile, MissingOrUnreadableFileReadsAsEmpty)
-{
-    EXPECT_EQ(get("tervan", "freqStart", "0.1"), "0.1");
-    std::string saved = path;
-    path = folder;                          /* a folder cannot be read as a file */
-    EXPECT_EQ(get("tervan", "freqStart", "7"), "7");
-    path = folder + "/no/such/dir/x.ini";
-    EXPECT_EQ(get("tervan", "freqStart", "8"), "8");
-    path = saved;
-    EXPECT_EQ(GetPrivateProfileStringA("tervan", "x", "d", nullptr, 10, path.c_str()), 0u);
 }
 
 TEST_F(Profile, WritesKeepEveryOtherLineOfTheFile)
@@ -116,6 +124,60 @@ TEST_F(Profile, WriteThatCannotBeDoneLeavesTheFileAndSaysWhy)
                   "[error] Cannot write settings file " + path + ": a line break in the section, key or value"}));
     platform::resetWindowing();
     EXPECT_EQ(platform::settingsWriteFailures(), 0);
+}
+
+TEST_F(Profile, EachLineKeepsItsOwnBreak)
+{
+    struct Row {
+        const char *before, *key, *value, *after;
+    } rows[] = {
+        /* a stray CR before a line's break stays; a new line takes the first line's break */
+        {"[tervan]\r\nA=1\nB=x\r\r\n", "C", "2", "[tervan]\r\nA=1\nB=x\r\r\nC=2\r\n"},
+        {"[tervan]\nA=1\r\nB=2", "A", "3", "[tervan]\nA=3\r\nB=2\n"},
+        {"[tervan]\nA=1\r\n\r\n[other]\r\nk=v", "A", nullptr, "[tervan]\n\r\n[other]\r\nk=v\n"},
+        /* a lone CR at the end of the file is no line break for the lines added after it */
+        {"; note\r", "A", "1", "; note\n\n[tervan]\nA=1\n"},
+        /* a new file; a key added after the section's last line, before its blank ones */
+        {nullptr, "freqSteps", "50", "[tervan]\nfreqSteps=50\n"},
+        {"[tervan]\n; only a comment\n\n[b]\n", "k", "v", "[tervan]\n; only a comment\nk=v\n\n[b]\n"},
+        /* values a reader would trim or unquote are stored in quotes, and read back whole */
+        {"[tervan]\n", " A ", "1 ", "[tervan]\nA=\"1 \"\n"},
+        {"[tervan]\n", "A", "\t1", "[tervan]\nA=\"\t1\"\n"},
+        {"[tervan]\n", "A", "'1'", "[tervan]\nA=\"'1'\"\n"},
+    };
+    for (const Row &row : rows) {
+        fs::remove(path);
+        if (row.before)
+            write(row.before);
+        EXPECT_TRUE(WritePrivateProfileStringA("tervan", row.key, row.value, path.c_str()));
+        EXPECT_EQ(contents(), row.after) << row.after;
+        EXPECT_EQ(get("tervan", row.key, "-"), row.value ? row.value : "-") << row.after;
+    }
+}
+
+TEST_F(Profile, LinkReadOnlyFileAndLeftoverTemporary)
+{
+    std::string target = dir.file("real.ini");
+    writeFile(target, "[tervan]\nk=0\n");
+    ASSERT_EQ(symlink("real.ini", path.c_str()), 0);
+    /* the leftover of a write killed before its rename, as large as the file it was for */
+    writeFile(dir.file(".real.ini.tmp"), std::string(4096, 'x'));
+
+    EXPECT_TRUE(WritePrivateProfileStringA("tervan", "k", "1", path.c_str()));
+    EXPECT_TRUE(fs::is_symlink(path));
+    EXPECT_EQ(readFile(target), "[tervan]\nk=1\n");
+    std::vector<std::string> names;
+    for (const auto &entry : fs::directory_iterator(folder))
+        names.push_back(entry.path().filename());
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, (std::vector<std::string>{"real.ini", "tervan.ini"})) << "no temporary file is left";
+
+    ASSERT_EQ(chmod(target.c_str(), 0444), 0);
+    EXPECT_FALSE(WritePrivateProfileStringA("tervan", "k", "2", path.c_str()));
+    EXPECT_EQ(readFile(target), "[tervan]\nk=1\n");
+    EXPECT_EQ(platform::transcript(),
+              std::vector<std::string>{"[error] Cannot write settings file " + path + ": Permission denied"});
+    EXPECT_EQ(platform::settingsWriteFailures(), 1);
 }
 
 }

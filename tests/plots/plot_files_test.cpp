@@ -27,26 +27,24 @@ std::complex<double> servo(double w)
     return 20.0 / (s * (s + 1.0) * (s + 10.0));
 }
 
-std::vector<std::vector<std::string>> rowsOf(const std::string &csv)
-{
+/* A CSV file's header line and its rows of cells. */
+struct Csv {
+    std::string header;
     std::vector<std::vector<std::string>> rows;
-    std::istringstream in(csv);
-    std::string line;
-    std::getline(in, line);     /* header, checked as text */
-    while (std::getline(in, line)) {
-        std::vector<std::string> cells;
-        std::istringstream cellsIn(line);
-        std::string cell;
-        while (std::getline(cellsIn, cell, ','))
-            cells.push_back(cell);
-        rows.push_back(cells);
-    }
-    return rows;
-}
+};
 
-std::string headerOf(const std::string &csv)
+Csv readCsv(const std::string &path)
 {
-    return csv.substr(0, csv.find('\n'));
+    Csv csv;
+    std::istringstream in(readFile(path));
+    std::getline(in, csv.header);
+    for (std::string line; std::getline(in, line);) {
+        csv.rows.emplace_back();
+        std::istringstream cells(line);
+        for (std::string cell; std::getline(cells, cell, ',');)
+            csv.rows.back().push_back(cell);
+    }
+    return csv;
 }
 
 std::vector<std::string> plotLines(const std::string &transcript)
@@ -65,31 +63,6 @@ ino_t inodeOf(const std::string &path)
 }
 
 }
-
-TEST(PlotFileNames, SamePlotSameNameInEveryRunWithoutBlanks)
-{
-    struct Case {
-        const char *script;
-        std::vector<std::string> files;
-    } cases[] = {
-        {"nyquist\n", {"Nyquist.svg"}},
-        {"rlocus\n", {"Root-Locus.svg"}},
-        {"bode\nnyquist\nrlocus\nnyquist\nrlocus\n",
-         {"Bode-Magnitude.svg", "Bode-Phase.svg", "Nyquist.svg", "Root-Locus.svg", "Nyquist-2.svg", "Root-Locus-2.svg"}},
-    };
-    for (const Case &c : cases) {
-        SCOPED_TRACE(c.script);
-        TempDir dir;
-        writeFile(dir.file("session.txt"), c.script);
-        RunResult run = runPraxa("--settings " + dir.file("tervan.ini") + " --out " + dir.path + " --script " +
-                                 dir.file("session.txt") + " " + examplePath("servo.json"));
-        ASSERT_EQ(run.status, 0) << run.err;
-        EXPECT_EQ(plotLines(run.out), c.files);
-        for (const std::string &name : c.files)
-            EXPECT_TRUE(readFile(dir.file(name)).rfind("<?xml", 0) == 0) << name;
-    }
-}
-
 
 TEST(PlotFiles, AnUnchangedPlotIsLeftAsItIsAndAChangedOneIsReplaced)
 {
@@ -112,29 +85,33 @@ TEST(PlotFiles, AnUnchangedPlotIsLeftAsItIsAndAChangedOneIsReplaced)
     EXPECT_NE(inodeOf(plot), inode);
 }
 
-
-TEST(PlotData, EveryPlotOfTheServoHasItsNumbersBesideIt)
+/* A second plot of a kind in a session is numbered from 2; the first keeps the plain name. */
+TEST(PlotFiles, EveryPlotOfTheServoHasItsNameAndItsNumbersBesideIt)
 {
     TempDir dir;
-    std::string common = "--settings " + dir.file("tervan.ini") + " --out " + dir.path + " " + examplePath("servo.json");
-    ASSERT_EQ(runPraxa(common + " preferences --magnitude-unit db").status, 0);
-    for (const char *command : {" bode", " nyquist", " rlocus"})
-        ASSERT_EQ(runPraxa(common + command).status, 0) << command;
+    writeFile(dir.file("session.txt"), "preferences --magnitude-unit db\nbode\nnyquist\nrlocus\nnyquist\nrlocus\n");
+    RunResult run = runPraxa("--settings " + dir.file("tervan.ini") + " --out " + dir.path + " --script " +
+                             dir.file("session.txt") + " " + examplePath("servo.json"));
+    ASSERT_EQ(run.status, 0) << run.err;
+    std::vector<std::string> files = {"Bode-Magnitude.svg", "Bode-Phase.svg", "Nyquist.svg",
+                                      "Root-Locus.svg",     "Nyquist-2.svg",  "Root-Locus-2.svg"};
+    EXPECT_EQ(plotLines(run.out), files);
+    for (const std::string &name : files)
+        EXPECT_TRUE(readFile(dir.file(name)).rfind("<?xml", 0) == 0) << name;
 
-    std::string magnitude = readFile(dir.file("Bode-Magnitude.csv"));
-    EXPECT_EQ(headerOf(magnitude), "\"Frequency, (Rad/sec)\",Magnitude (Decibels)");
-    auto rows = rowsOf(magnitude);
-    ASSERT_FALSE(rows.empty());
-    for (const auto &row : {rows.front(), rows.back()}) {
+    Csv magnitude = readCsv(dir.file("Bode-Magnitude.csv"));
+    EXPECT_EQ(magnitude.header, "\"Frequency, (Rad/sec)\",Magnitude (Decibels)");
+    ASSERT_FALSE(magnitude.rows.empty());
+    for (const auto &row : {magnitude.rows.front(), magnitude.rows.back()}) {
         double w = std::stod(row[0]);
         EXPECT_NEAR(std::stod(row[1]), 20 * std::log10(std::abs(servo(w))), 1e-9) << w;
     }
-    EXPECT_EQ(headerOf(readFile(dir.file("Bode-Phase.csv"))), "\"Frequency, (Rad/sec)\",\"Phase, (Deg)\"");
+    EXPECT_EQ(readCsv(dir.file("Bode-Phase.csv")).header, "\"Frequency, (Rad/sec)\",\"Phase, (Deg)\"");
 
-    std::string nyquist = readFile(dir.file("Nyquist.csv"));
-    EXPECT_EQ(headerOf(nyquist), "Frequency (rad/s),Real,Imaginary");
+    Csv nyquist = readCsv(dir.file("Nyquist.csv"));
+    EXPECT_EQ(nyquist.header, "Frequency (rad/s),Real,Imaginary");
     int checked = 0;
-    for (const auto &row : rowsOf(nyquist)) {
+    for (const auto &row : nyquist.rows) {
         double w = std::stod(row[0]);
         std::complex<double> l = servo(w);
         /* Away from the detour around the pole at the origin the curve is L(jw) itself. */
@@ -146,11 +123,12 @@ TEST(PlotData, EveryPlotOfTheServoHasItsNumbersBesideIt)
     }
     EXPECT_GT(checked, 100);
 
-    std::string locus = readFile(dir.file("Root-Locus.csv"));
-    EXPECT_EQ(headerOf(locus), "Gain,Branch 1 real,Branch 1 imaginary,Branch 2 real,Branch 2 imaginary,"
-                               "Branch 3 real,Branch 3 imaginary");
+    Csv locus = readCsv(dir.file("Root-Locus.csv"));
+    EXPECT_EQ(locus.header, "Gain,Branch 1 real,Branch 1 imaginary,Branch 2 real,Branch 2 imaginary,"
+                            "Branch 3 real,Branch 3 imaginary");
     /* At K = 0 the branches start on the open-loop poles 0, -1, -10. */
-    std::vector<std::string> first = rowsOf(locus).front();
+    ASSERT_FALSE(locus.rows.empty());
+    std::vector<std::string> first = locus.rows.front();
     ASSERT_EQ(first.size(), 7u);
     EXPECT_EQ(first[0], "0");
     std::vector<double> starts;

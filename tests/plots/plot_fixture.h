@@ -13,8 +13,6 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -67,9 +65,7 @@ protected:
         setupFrequencyPlot(plot, title, &range);
         preallocDList(&plot->traces[0].points, &plot->pointIndex);
         plot->traces[0].points.count = (uint32_t)values.size();
-        double *points = (double *)plot->traces[0].points.items;
-        for (size_t i = 0; i < values.size(); ++i)
-            points[i] = values[i];
+        std::copy(values.begin(), values.end(), (double *)plot->traces[0].points.items);
         return block;
     }
 
@@ -79,11 +75,8 @@ protected:
         RangeSettings range = frequencyRange;
         range.steps = (int32_t)re.size();
         HostBlock *block = testing_support::nyquistPlotBlock(range);
-        for (int k = 0; k < 2; ++k) {
-            double *points = (double *)plotRecordOf(block)->traces[k].points.items;
-            for (size_t i = 0; i < re.size(); ++i)
-                points[i] = k == 0 ? re[i] : im[i];
-        }
+        std::copy(re.begin(), re.end(), (double *)plotRecordOf(block)->traces[0].points.items);
+        std::copy(im.begin(), im.end(), (double *)plotRecordOf(block)->traces[1].points.items);
         return block;
     }
 
@@ -104,26 +97,6 @@ protected:
                     buffer->highestIndex = (uint32_t)s;
             }
         }
-    }
-
-    std::string readFile(const std::string &name) const
-    {
-        std::ifstream in(outputDir / name);
-        std::stringstream text;
-        text << in.rdbuf();
-        return text.str();
-    }
-
-    bool hasFile(const std::string &name) const { return std::filesystem::exists(outputDir / name); }
-
-    std::vector<std::string> svgFiles() const
-    {
-        std::vector<std::string> names;
-        for (const auto &entry : std::filesystem::directory_iterator(outputDir))
-            if (entry.path().extension() == ".svg")
-                names.push_back(entry.path().filename().string());
-        std::sort(names.begin(), names.end());
-        return names;
     }
 };
 

@@ -44,7 +44,8 @@ struct Marker {
     double x, y;
 };
 
-/* Centres of the markers of a class: circles by cx, cy; crosses by their path's middle. */
+/* Centres of the markers of a class, left to right: circles by cx, cy; crosses by their
+** path's middle. */
 std::vector<Marker> markers(const pugi::xml_document &doc, const char *cls)
 {
     std::vector<Marker> found;
@@ -61,6 +62,7 @@ std::vector<Marker> markers(const pugi::xml_document &doc, const char *cls)
         if (std::regex_search(d, m, first))
             found.push_back({(std::stod(m[1]) + std::stod(m[3])) / 2, (std::stod(m[2]) + std::stod(m[4])) / 2});
     }
+    std::stable_sort(found.begin(), found.end(), [](const Marker &a, const Marker &b) { return a.x < b.x; });
     return found;
 }
 
@@ -68,15 +70,10 @@ TEST(PlotMarks, NyquistAlwaysShowsTheCriticalPointAndTheDirection)
 {
     /* Curves whose own extent leaves -1 out: the inverted pendulum (real -0.1 ... 0) and
     ** a biproper loop (real 1 ... 2). */
-    const struct {
-        std::string diagram;
-    } cases[] = {
-        {testing_support::readFile(testing_support::examplePath("pendulum_inverted.json"))},
-        {loopDiagram("[1, 2]", "[1, 1]")},
-    };
-    for (const auto &c : cases) {
+    for (const std::string &diagram :
+         {testing_support::readFile(testing_support::examplePath("pendulum_inverted.json")), loopDiagram("[1, 2]", "[1, 1]")}) {
         pugi::xml_document doc;
-        runPlot(c.diagram, "nyquist", "Nyquist.svg", doc);
+        runPlot(diagram, "nyquist", "Nyquist.svg", doc);
         std::vector<Marker> critical = markers(doc, "critical-point");
         ASSERT_EQ(critical.size(), 1u);
         EXPECT_GT(critical[0].x, FRAME_LEFT);
@@ -108,8 +105,6 @@ TEST(PlotMarks, RootLocusFramesPolesZerosAndClosedLoopPoles)
     ** -0.39371 +- 1.34289 j, placed as the poles 0 and -10 scale the axis. */
     std::vector<Marker> closed = markers(doc, "closed-loop-pole");
     ASSERT_EQ(closed.size(), 3u);
-    std::sort(poles.begin(), poles.end(), [](const Marker &a, const Marker &b) { return a.x < b.x; });
-    std::sort(closed.begin(), closed.end(), [](const Marker &a, const Marker &b) { return a.x < b.x; });
     double perUnit = (poles[2].x - poles[0].x) / 10.0;
     EXPECT_NEAR(closed[0].x, poles[2].x - 10.2126 * perUnit, 0.5);
     EXPECT_NEAR(closed[1].x, poles[2].x - 0.39371 * perUnit, 0.5);
@@ -129,7 +124,6 @@ TEST(PlotMarks, RootLocusFramesPolesZerosAndClosedLoopPoles)
     std::vector<Marker> zeros = markers(doc, "open-loop-zero");
     ASSERT_EQ(poles.size(), 3u);
     ASSERT_EQ(zeros.size(), 1u);
-    std::sort(poles.begin(), poles.end(), [](const Marker &a, const Marker &b) { return a.x < b.x; });
     EXPECT_NEAR(zeros[0].x, (poles[0].x + poles[1].x) / 2, 0.5);
     EXPECT_NEAR(zeros[0].y, poles[0].y, 0.5);
 }

@@ -1,5 +1,6 @@
 /*
-** The plug-in's plot set-up, root locus plots and finish, through the host's plot blocks.
+** The host's plot blocks (creation, point buffers, deletion with the plug-in told, nice
+** bounds) and the plug-in's plot set-up, root locus plots and finish through them.
 */
 #include <cmath>
 #include <cstring>
@@ -8,43 +9,85 @@
 
 namespace {
 
+std::vector<std::pair<int32_t, intptr_t>> events;
+
+int recordEvent(int32_t code, intptr_t arg)
+{
+    events.push_back({code, arg});
+    return 0;
+}
+
+/* Deleting a block frees what hangs on its plot (seen by the sanitizer build). */
+TEST_F(PlotTest, DeletingAPlotTellsThePlugInAndFreesItsParts)
+{
+    events.clear();
+    hostapp::host().plugin.event = recordEvent;
+    HostBlock *a = makePlotNode(0, 0);
+    HostBlock *b = makeRootLocusPlot(2);
+    ASSERT_NE(a->window, nullptr);
+    EXPECT_NE(a->window, b->window);
+    EXPECT_EQ(a->kind, hostapp::PLOT_BLOCK_KIND);
+    EXPECT_EQ(hostapp::plotBlocks(), (std::vector<HostBlock *>{a, b}));
+    hostapp::deletePlotBlock(a);
+    ASSERT_EQ(events.size(), 1u);
+    EXPECT_EQ(events[0].first, 253);
+    EXPECT_EQ(events[0].second, (intptr_t)a);
+    EXPECT_EQ(hostapp::plotBlocks(), std::vector<HostBlock *>{b});
+    EXPECT_FALSE(hostapp::isPlotBlock(a));
+    hostapp::deletePlotBlock(a);               /* already gone: nothing happens */
+    EXPECT_EQ(events.size(), 1u);
+
+    PlotRecord *plot = plotRecordOf(b);
+    plot->paramInfo = (PlotParamInfo *)galloc(sizeof(PlotParamInfo));
+    *plot->paramInfo = PlotParamInfo{};
+    plot->paramInfo->parameters = (double *)galloc(50 * sizeof(double));
+    plot->paramInfo->zeroBranches = (int32_t *)galloc(2 * sizeof(int32_t));
+    preallocDList(&plot->traces[0].points, &plot->pointIndex);
+    storeBranch(plot, 1, std::vector<double>(300, -1.0), std::vector<double>(300, 0.0));
+    hostapp::deletePlotBlock(b);
+    EXPECT_EQ(events.size(), 2u);
+    EXPECT_TRUE(hostapp::plotBlocks().empty());
+}
+
+/* Without flag A 0x02 the fixed sweep is left alone. */
 TEST_F(PlotTest, FrequencyPlotTitleLabelAndSweep)
 {
-    frequencyPlotCount = 3;
-    HostBlock *block = makePlotNode(0, 0);
-    PlotRecord *plot = plotRecordOf(block);
-    setupFrequencyPlot(plot, "Bode-Magnitude", &frequencyRange);
-    EXPECT_STREQ(plot->title, "Bode-Magnitude3");
-    EXPECT_STREQ(plot->xLabel, "Frequency, (Rad/sec)");
-    EXPECT_EQ(plot->pointIndex, 0u);
-    EXPECT_EQ(plot->pointCount, 50u);
-    EXPECT_EQ(plot->sweepStart, 0.1);
-    EXPECT_EQ(plot->sweepStop, 100.0);
-    EXPECT_EQ(plot->xMin, 0.1);
-    EXPECT_EQ(plot->xMax, 100.0);
-    EXPECT_EQ(plot->sweepStep, 99.9 / 49);
-    EXPECT_EQ(plot->flagsB & 0x15, 0x15);
-    EXPECT_EQ(plot->flagsA & 0x20, 0x20);
-    /* Without flag A 0x02 the fixed sweep is left alone. */
-    EXPECT_EQ(plot->fixedSweepStart, 0.0);
-    EXPECT_EQ(plot->fixedSweepStop, 0.0);
+    const struct {
+        int32_t count, unit;
+        uint8_t flagsA;
+        RangeSettings range;
+        const char *titleBase, *title, *xLabel;
+        double step, fixedStart, fixedStop;
+    } cases[] = {
+        {3, FREQUENCY_UNIT_RADIANS, 0, {50, 0.1, 100.0}, "Bode-Magnitude", "Bode-Magnitude3", "Frequency, (Rad/sec)",
+         99.9 / 49, 0, 0},
+        {0, FREQUENCY_UNIT_HERTZ, PLOT_A_FIXED_SWEEP, {11, 1.0, 6.0}, "Nyquist", "Nyquist0", "Frequency, (Hz)", 0.5,
+         1.0, 6.0},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.title);
+        frequencyPlotCount = c.count;
+        frequencyUnit.selected = c.unit;
+        PlotRecord *plot = plotRecordOf(makePlotNode(0, 0));
+        plot->flagsA |= c.flagsA;
+        setupFrequencyPlot(plot, c.titleBase, &c.range);
+        EXPECT_STREQ(plot->title, c.title);
+        EXPECT_STREQ(plot->xLabel, c.xLabel);
+        EXPECT_EQ(plot->pointIndex, 0u);
+        EXPECT_EQ(plot->pointCount, (uint32_t)c.range.steps);
+        EXPECT_EQ(plot->sweepStart, c.range.start);
+        EXPECT_EQ(plot->sweepStop, c.range.stop);
+        EXPECT_EQ(plot->xMin, c.range.start);
+        EXPECT_EQ(plot->xMax, c.range.stop);
+        EXPECT_EQ(plot->sweepStep, c.step);
+        EXPECT_EQ(plot->flagsB & 0x15, 0x15);
+        EXPECT_EQ(plot->flagsA & 0x20, 0x20);
+        EXPECT_EQ(plot->fixedSweepStart, c.fixedStart);
+        EXPECT_EQ(plot->fixedSweepStop, c.fixedStop);
+    }
 }
 
-TEST_F(PlotTest, FrequencyPlotInHertzAndFixedSweep)
-{
-    frequencyUnit.selected = FREQUENCY_UNIT_HERTZ;
-    PlotRecord *plot = plotRecordOf(makePlotNode(0, 0));
-    plot->flagsA |= PLOT_A_FIXED_SWEEP;
-    RangeSettings range = {11, 1.0, 6.0};
-    setupFrequencyPlot(plot, "Nyquist", &range);
-    EXPECT_STREQ(plot->title, "Nyquist0");
-    EXPECT_STREQ(plot->xLabel, "Frequency, (Hz)");
-    EXPECT_EQ(plot->sweepStep, 0.5);
-    EXPECT_EQ(plot->fixedSweepStart, 1.0);
-    EXPECT_EQ(plot->fixedSweepStop, 6.0);
-}
-
-TEST_F(PlotTest, RootLocusPlotsAreNumberedAndSetUp)
+TEST_F(PlotTest, RootLocusPlotsAreNumberedSetUpAndBoundedByTheirBuffers)
 {
     gainRange = {40, 2.0, 80.0};
     makeRootLocusPlot(2);
@@ -72,6 +115,20 @@ TEST_F(PlotTest, RootLocusPlotsAreNumberedAndSetUp)
             EXPECT_EQ(buffer->capacity, 40u);
             EXPECT_EQ(buffer->highestIndex, 0u);
         }
+    /* The bounds come from the points the buffers hold. */
+    storeBranch(plot, 0, {-1.0, -2.0, -3.7}, {0.0, 0.0, 0.0});
+    storeBranch(plot, 1, {-1.0, -0.5, -0.5}, {0.0, 1.2, 2.9});
+    storeBranch(plot, 2, {-2.0, -2.0, -2.0}, {0.0, 0.0, 0.0});
+    setXYPlotBounds(block, 0, 1);
+    EXPECT_EQ(plot->xMin, -3.7);
+    EXPECT_EQ(plot->xMax, -0.5);
+    EXPECT_EQ(plot->yMin, 0.0);
+    EXPECT_EQ(plot->yMax, 2.9);
+    finishPlot(block, 0, 0, 0);
+    EXPECT_NEAR(plot->xMin, -4.0, 1e-12);   /* steps of 0.5 */
+    EXPECT_NEAR(plot->xMax, -0.5, 1e-12);
+    EXPECT_NEAR(plot->yMin, 0.0, 1e-12);
+    EXPECT_NEAR(plot->yMax, 3.0, 1e-12);
 }
 
 /* Every pair the plug-in hands to the host's rescaling, as handed over: the host widens
@@ -121,35 +178,57 @@ TEST_F(PlotTest, FlatCurvesGetABandOfTenPercentBeforeTheHostRescales)
     }
 }
 
-TEST_F(PlotTest, NyquistBoundsComeFromTheTraces)
+TEST_F(PlotTest, PointBufferRequests)
 {
-    HostBlock *block = nyquistPlot({1.0, 0.5, NAN, -0.2, 0.0}, {0.0, -0.5, 7.0, -0.3, INFINITY});
-    finishPlot(block, 0, 0, 0);
-    PlotRecord *plot = plotRecordOf(block);
-    /* Data x -0.2 ... 1 and y -0.5 ... 0 (the non-finite points do not count). */
-    EXPECT_NEAR(plot->xMin, -0.2, 1e-12);
-    EXPECT_NEAR(plot->xMax, 1.0, 1e-12);
-    EXPECT_NEAR(plot->yMin, -0.5, 1e-12);
-    EXPECT_NEAR(plot->yMax, 0.0, 1e-12);
-}
-
-TEST_F(PlotTest, RootLocusBoundsComeFromTheBuffers)
-{
-    gainRange.steps = 3;
     HostBlock *block = makeRootLocusPlot(2);
     PlotRecord *plot = plotRecordOf(block);
-    storeBranch(plot, 0, {-1.0, -2.0, -3.7}, {0.0, 0.0, 0.0});
-    storeBranch(plot, 1, {-1.0, -0.5, -0.5}, {0.0, 1.2, 2.9});
-    setXYPlotBounds(block, 0, 1);
-    EXPECT_EQ(plot->xMin, -3.7);
-    EXPECT_EQ(plot->xMax, -0.5);
-    EXPECT_EQ(plot->yMin, 0.0);
-    EXPECT_EQ(plot->yMax, 2.9);
-    finishPlot(block, 0, 0, 0);
-    EXPECT_NEAR(plot->xMin, -4.0, 1e-12);   /* steps of 0.5 */
-    EXPECT_NEAR(plot->xMax, -0.5, 1e-12);
-    EXPECT_NEAR(plot->yMin, 0.0, 1e-12);
-    EXPECT_NEAR(plot->yMax, 3.0, 1e-12);
+    PlotRecord stranger{};
+    EXPECT_EQ(tervanRequest(75, (intptr_t)&stranger, 0), 0);
+    EXPECT_EQ(tervanRequest(75, 0, 0), 0);
+    EXPECT_EQ(tervanRequest(75, (intptr_t)plot, 2), 0);        /* coordinate 2 */
+    /* A branch past the allocated ones gets an empty buffer pair. */
+    auto *late = (PlotPointBuffer *)tervanRequest(75, (intptr_t)plot, 5 * 256 + 1);
+    ASSERT_NE(late, nullptr);
+    EXPECT_EQ(late->capacity, 0u);
+    storeBranch(plot, 5, {1, 2}, {3, 4});
+    EXPECT_EQ(late->values[1], 4.0);
+    EXPECT_EQ(late->highestIndex, 1u);
+    /* Reallocating the buffers starts them afresh. */
+    allocOverPlotBuffers(block, 1);
+    auto *first = (PlotPointBuffer *)tervanRequest(75, (intptr_t)plot, 0);
+    EXPECT_EQ(first->highestIndex, 0u);
+    EXPECT_EQ(first->capacity, 50u);
+}
+
+TEST_F(PlotTest, RescaleBounds)
+{
+    struct Case {
+        double lo, hi;
+        uint8_t logarithmic;
+        double niceLo, niceHi;
+    };
+    const Case cases[] = {
+        {0.15, 70.0, 1, 0.1, 100.0},
+        {0.1, 100.0, 1, 0.1, 100.0},
+        {3.0, 3.0, 1, 1.0, 10.0},
+        {-1.0, 1.0, 1, 0.001, 1.0},            /* non-positive minimum: three decades down */
+        {-2.0, -1.0, 1, 0.1, 10.0},            /* nothing positive */
+        {0.3, 9.7, 0, 0.0, 10.0},
+        {-5.5, -4.5, 0, -5.5, -4.5},
+        {0.3, 0.7, 0, 0.3, 0.7},               /* on the step of 0.05, though 0.3 / 0.05 < 6 */
+        {7.0, 2.0, 0, 2.0, 7.0},               /* reversed */
+        {2.0, 2.0, 0, 1.8, 2.2},
+        {0.0, 0.0, 0, -1.0, 1.0},
+        {NAN, NAN, 0, -1.0, 1.0},
+        {-INFINITY, 4.0, 0, 3.6, 4.4},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(testing::Message() << c.lo << " " << c.hi << " log " << (int)c.logarithmic);
+        double pair[2] = {c.lo, c.hi};
+        rescaleBounds(pair, c.logarithmic);
+        EXPECT_NEAR(pair[0], c.niceLo, 1e-12);
+        EXPECT_NEAR(pair[1], c.niceHi, 1e-12);
+    }
 }
 
 }

@@ -1,16 +1,35 @@
 /*
-** Plots written as SVG files: parsed back as XML and checked for what a reader sees.
+** Plots written as SVG files: parsed back as XML and checked for what a reader sees (and
+** the bounds a Nyquist record keeps); and their coordinates, written as C's printf writes
+** "%.2f", including hundredths on or next to a tie, negative zero and magnitudes past the
+** short way.
 */
 #include <pugixml.hpp>
 
 #include <cmath>
 #include <complex>
-#include <map>
+#include <random>
 #include <regex>
 
+#include "hostapp/svg_text.h"
 #include "plot_fixture.h"
+#include "support.h"
 
 namespace {
+
+std::string printed(double v)
+{
+    char text[64];
+    std::snprintf(text, sizeof text, "%.2f", v);
+    return text;
+}
+
+std::string written(double v)
+{
+    std::string text;
+    hostapp::appendSvgNumber(text, v);
+    return text;
+}
 
 struct Vertex {
     double x, y;
@@ -33,8 +52,8 @@ protected:
 
     void parse(const std::string &name)
     {
-        ASSERT_TRUE(hasFile(name)) << name;
-        pugi::xml_parse_result result = doc.load_string(readFile(name).c_str());
+        ASSERT_TRUE(std::filesystem::exists(outputDir / name)) << name;
+        pugi::xml_parse_result result = doc.load_string(testing_support::readFile(outputDir / name).c_str());
         ASSERT_TRUE(result) << result.description();
         ASSERT_STREQ(doc.document_element().name(), "svg");
     }
@@ -77,7 +96,11 @@ TEST_F(SvgPlotTest, BodeMagnitudeInDecibels)
     std::snprintf(plotRecordOf(block)->traces[0].label, 64, "Magnitude");
     finishPlot(block, 1, 1, 0xFF);
 
-    EXPECT_EQ(svgFiles(), std::vector<std::string>{"Bode-Magnitude.svg"});
+    std::vector<std::string> svgFiles;
+    for (const auto &entry : std::filesystem::directory_iterator(outputDir))
+        if (entry.path().extension() == ".svg")
+            svgFiles.push_back(entry.path().filename().string());
+    EXPECT_EQ(svgFiles, std::vector<std::string>{"Bode-Magnitude.svg"});
     EXPECT_EQ(platform::transcript().back(), "[plot] Bode-Magnitude.svg");
     EXPECT_EQ(hostapp::plotFileName(block), "Bode-Magnitude.svg");
     parse("Bode-Magnitude.svg");
@@ -151,17 +174,26 @@ TEST_F(SvgPlotTest, NyquistDrawsRealAgainstImaginary)
         im.push_back(h.imag());
     }
     re[7] = NAN;
+    im[7] = 7.0;
+    re[20] = -3.0;
+    im[20] = INFINITY;
     HostBlock *block = nyquistPlot(re, im);
     finishPlot(block, 0, 0, 0);
+    /* The bounds come from the traces, x from the real parts, and a point with a
+    ** non-finite part counts nowhere: real 0.0104 ... 1 and imaginary -0.5 ... 0. */
+    PlotRecord *plot = plotRecordOf(block);
+    EXPECT_NEAR(plot->xMin, 0.0, 1e-12);
+    EXPECT_NEAR(plot->xMax, 1.0, 1e-12);
+    EXPECT_NEAR(plot->yMin, -0.5, 1e-12);
+    EXPECT_NEAR(plot->yMax, 0.0, 1e-12);
     parse("Nyquist.svg");
     EXPECT_EQ(texts(doc, "x-label"), std::vector<std::string>{"Real"});
     EXPECT_EQ(texts(doc, "y-label"), std::vector<std::string>{"Imaginary"});
     auto paths = traces();
     ASSERT_EQ(paths.size(), 1u);
-    EXPECT_EQ(vertices(paths[0].attribute("d").value()).size(), 39u);
-    /* Bounds: real 0.0384 ... 1 -> 0 ... 1, widened to hold -1 with room. */
-    EXPECT_EQ(doc.select_nodes("//*[@class='critical-point']").size(), 1u);
-    /* Log flags are off: tick labels are plain steps. */
+    EXPECT_EQ(vertices(paths[0].attribute("d").value()).size(), 38u);
+    /* The picture widens the x axis to hold -1 with room; log flags are off: tick labels
+    ** are plain steps. */
     EXPECT_EQ(texts(doc, "x-tick").front(), "-1.5");
     EXPECT_EQ(texts(doc, "x-tick").back(), "1.0");
 }
@@ -180,6 +212,37 @@ TEST_F(SvgPlotTest, UnwritableFolderIsReported)
     hostapp::host().outputDir = (outputDir / "missing" / "deeper").string();
     finishPlot(frequencyPlot("Bode-Phase", {1, 2}), 1, 0, 0xFF);
     EXPECT_EQ(platform::transcript().back().rfind("[plot] cannot write ", 0), 0u) << platform::transcript().back();
+}
+
+TEST(SvgNumber, TwoDecimalsAsPrintfWritesThem)
+{
+    const struct {
+        double value;
+        const char *text;
+    } cases[] = {
+        /* the random half-cents below try every kind of tie; these are the classic ones */
+        {0.125, "0.12"},                /* an exact tie: to even */
+        {2.675, "2.67"},                /* just below the tie in binary */
+        {-0.004, "-0.00"},
+        {-0.0, "-0.00"},
+        {9.999, "10.00"},
+        {1e-300, "0.00"},
+        {12345678.125, "12345678.12"},  /* past the short way */
+    };
+    for (const auto &c : cases) {
+        EXPECT_EQ(written(c.value), c.text) << c.value;
+        EXPECT_EQ(written(c.value), printed(c.value)) << c.value;
+    }
+    /* Multiples of 1/200 a few units of rounding either side: the hundredths next to ties. */
+    std::mt19937_64 rng(13);
+    std::uniform_int_distribution<int> halfCents(-400000, 400000), nudge(-3, 3);
+    for (int i = 0; i < 100000; ++i) {
+        double v = halfCents(rng) / 200.0;
+        for (int k = nudge(rng); k != 0; k += k > 0 ? -1 : 1)
+            v = std::nextafter(v, k > 0 ? INFINITY : -INFINITY);
+        ASSERT_EQ(written(v), printed(v)) << v;
+    }
+    EXPECT_EQ(written(NAN), printed(NAN));
 }
 
 }

@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "platform/driver.h"
@@ -53,14 +54,12 @@ TEST(SettingsSessions, DialogsShowAndWriteTheSettings)
          {"[Tervan] Start must be less than Stop", "[refused] Bode Frequency Range", "[end] Bode Frequency Range: 2",
           "[dialog] Bode Frequency Range", "  edit 102 \"5\"", "  edit 103 \"5\"", "  edit 104 \"102\""},
          "[tervan]\nfreqStart=0.5\nfreqStop=50\nfreqSteps=40\n"},
+        /* Numbers are written at the display precision. */
         {"step count one refused, two accepted", NO_FILE,
-         "frequency-range --type 102=1 --type 103=2 --type 104=1 --click 1 --type 104=2", 0,
+         "frequency-range --type 102=0.123456789 --type 103=2 --type 104=1 --click 1 --type 104=2", 0,
          {"[Tervan] step count too low", "  > type 104 \"2\"", "[end] Bode Frequency Range: 1"},
-         "[tervan]\nrlocSteps=2\nrlocAutoRange=0\nrlocStart=1\nrlocStop=2\nfreqSteps=2\nfreqStart=1\nfreqStop=2\n"},
-        {"numbers are written at the display precision", NO_FILE,
-         "frequency-range --start 0.123456789 --stop 10 --steps 50", 0, {"[end] Bode Frequency Range: 1"},
-         "[tervan]\nrlocSteps=50\nrlocAutoRange=0\nrlocStart=.123457\nrlocStop=10\n"
-         "freqSteps=50\nfreqStart=.123457\nfreqStop=10\n"},
+         "[tervan]\nrlocSteps=2\nrlocAutoRange=0\nrlocStart=.123457\nrlocStop=2\n"
+         "freqSteps=2\nfreqStart=.123457\nfreqStop=2\n"},
         /* Every range key is read at the start (the auto range against its default, on): the
         ** gain range dialog shows the root locus keys and writes back the frequency keys it read. */
         {"hand-edited range keys",
@@ -77,9 +76,10 @@ TEST(SettingsSessions, DialogsShowAndWriteTheSettings)
           "  radio 212 \"Degrees\" [x]", "  radio 216 \"Log 10\" [x]", "  radio 215 \"Decibels\" [ ]",
           "  edit 200 \"1e-055\"", "  edit 201 \"1e-060\"", "[end] Praxa Preferences: 2"},
          NO_FILE},
+        /* OK writes back what was read, the reuse flag too: the file stays as it was. */
         {"unit keys and flags are read at the start",
          "[tervan]\nprxReusePlots=1\nuseNegativeFrequenciesInNyquistPlot=1\nfreqUnits=210\nphaseUnits=213\nmagUnits=215\n",
-         "preferences --cancel", 0,
+         "preferences", 0,
          {"  checkbox 1035 \"Negative Frequencies in Nyquist Plot\" [x]", "  radio 211 \"Radians/Second\" [ ]",
           "  radio 210 \"Hertz\" [x]", "  radio 213 \"Radians\" [x]", "  radio 212 \"Degrees\" [ ]",
           "  radio 216 \"Log 10\" [ ]", "  radio 215 \"Decibels\" [x]"},
@@ -168,10 +168,9 @@ TEST(RootLocusOptions, GainEditsFollowTheAutoRangeAndBadEntriesAreRefused)
         EXPECT_EQ(messages, row.messages) << row.name;
         EXPECT_EQ(transcript.find("[help]"), std::string::npos) << row.name;
         EXPECT_EQ(transcript.find("[error]"), std::string::npos) << row.name << transcript;
-        EXPECT_EQ(gainRange.steps, row.gainRangeAfter.steps) << row.name;
-        EXPECT_EQ(gainRange.start, row.gainRangeAfter.start) << row.name;
-        EXPECT_EQ(gainRange.stop, row.gainRangeAfter.stop) << row.name;
-        EXPECT_EQ(optionsMemory.autoRange, row.autoRangeAfter) << row.name;
+        const RangeSettings &after = row.gainRangeAfter;
+        EXPECT_EQ(std::tie(gainRange.steps, gainRange.start, gainRange.stop, optionsMemory.autoRange),
+                  std::tie(after.steps, after.start, after.stop, row.autoRangeAfter)) << row.name;
         EXPECT_FALSE(std::filesystem::exists(dir.file("tervan.ini"))) << row.name;
     }
 }
