@@ -257,14 +257,19 @@ void clearDiagram()
     setCurrentDiagram(nullptr);
 }
 
-bool clickReferencePoint(const std::string &blockDotPort, std::string &error)
+Point *findLoadedPoint(const std::string &blockDotPort, std::string &error)
 {
     Diagram *diagram = currentDiagram();
     if (!diagram) {
         error = "no diagram is loaded to pick '" + blockDotPort + "' in; give a diagram file";
-        return false;
+        return nullptr;
     }
-    Point *point = findPoint(*diagram, blockDotPort, error);
+    return findPoint(*diagram, blockDotPort, error);
+}
+
+bool clickReferencePoint(const std::string &blockDotPort, std::string &error)
+{
+    Point *point = findLoadedPoint(blockDotPort, error);
     if (!point)
         return false;
     if (!host().plugin.selectRefPoint) {
@@ -309,9 +314,8 @@ HostBlock *diagramBlock(const std::string &path)
 
 RefPoint *diagramPoint(const std::string &blockDotPort)
 {
-    Diagram *diagram = currentDiagram();
     std::string error;
-    Point *point = diagram ? findPoint(*diagram, blockDotPort, error) : nullptr;
+    Point *point = findLoadedPoint(blockDotPort, error);
     return point ? &point->record : nullptr;
 }
 

@@ -171,6 +171,8 @@ void executeBlocks(const std::vector<Block *> &blocks, double time);
 Point *portOf(Block &block, const std::string &port, bool defaultIsInput, std::string &error);
 /* "path.port" or "path" (output 1) in the whole diagram. */
 Point *findPoint(Diagram &diagram, const std::string &blockDotPort, std::string &error);
+/* The same in the diagram loaded; null with a message when none is loaded. */
+Point *findLoadedPoint(const std::string &blockDotPort, std::string &error);
 Block *findBlockByPath(Diagram &diagram, const std::string &path);
 /* Makes the top-level blocks `ids` the selection (all blocks when empty); false with a
 ** message, and `failed` the index of the id at fault, when one is unknown or repeated. */

@@ -160,14 +160,10 @@ bool transferIsZero(const SmallSignal &m)
 
 bool pickReferencePoint(const std::string &blockDotPort, bool asInput, std::string &error)
 {
-    Diagram *diagram = currentDiagram();
-    if (!diagram) {
-        error = "no diagram is loaded to pick '" + blockDotPort + "' in; give a diagram file";
-        return false;
-    }
-    Point *point = findPoint(*diagram, blockDotPort, error);
+    Point *point = findLoadedPoint(blockDotPort, error);
     if (!point)
         return false;
+    Diagram *diagram = currentDiagram();
     std::string name = point->name();
     if (asInput && !canBeInput(*diagram, *point)) {
         error = canBeOutput(*diagram, *point)
