@@ -22,10 +22,14 @@ namespace {
 const double PI = std::numbers::pi;
 const double DEG = 180.0 / PI;
 
-void expectRelative(const std::optional<double> &got, double want, double tolerance, const char *what)
+/* got within a relative tolerance of want, or both none. */
+void expectRelative(const std::optional<double> &got, const std::optional<double> &want, double tolerance,
+                    const char *what)
 {
-    ASSERT_TRUE(got.has_value()) << what;
-    EXPECT_NEAR(*got, want, tolerance * std::fabs(want)) << what;
+    ASSERT_EQ(got.has_value(), want.has_value()) << what;
+    if (want) {
+        EXPECT_NEAR(*got, *want, tolerance * std::fabs(*want)) << what;
+    }
 }
 
 }
@@ -68,44 +72,18 @@ TEST(Report, MarginsOfClassicLoops)
         ASSERT_EQ(r.problem, "");
         ASSERT_EQ(r.margins.phaseCrossovers.size(), row.phaseCrossings);
         ASSERT_EQ(r.margins.gainCrossovers.size(), row.gainCrossover ? 1u : 0u);
-        if (row.phaseCrossover) {
-            expectRelative(r.margins.phaseCrossoverFrequency, *row.phaseCrossover, 1e-9, "phase crossover");
-            expectRelative(r.margins.gainMargin, *row.gainMargin, 1e-9, "gain margin");
-            expectRelative(r.margins.gainMarginDb, 20 * std::log10(*row.gainMargin), 1e-9, "gain margin dB");
-        } else {
-            EXPECT_FALSE(r.margins.gainMargin);
-        }
-        if (row.gainCrossover) {
-            expectRelative(r.margins.gainCrossoverFrequency, *row.gainCrossover, 1e-9, "gain crossover");
-            expectRelative(r.margins.phaseMargin, *row.phaseMargin, 1e-9, "phase margin");
-        } else {
-            EXPECT_FALSE(r.margins.phaseMargin);
-        }
-        if (row.delayMargin) {
-            expectRelative(r.margins.delayMargin, *row.delayMargin, 1e-9, "delay margin");
-        } else {
-            EXPECT_FALSE(r.margins.delayMargin);
-        }
+        expectRelative(r.margins.phaseCrossoverFrequency, row.phaseCrossover, 1e-9, "phase crossover");
+        expectRelative(r.margins.gainMargin, row.gainMargin, 1e-9, "gain margin");
+        auto db = row.gainMargin ? std::optional(20 * std::log10(*row.gainMargin)) : std::nullopt;
+        expectRelative(r.margins.gainMarginDb, db, 1e-9, "gain margin dB");
+        expectRelative(r.margins.gainCrossoverFrequency, row.gainCrossover, 1e-9, "gain crossover");
+        expectRelative(r.margins.phaseMargin, row.phaseMargin, 1e-9, "phase margin");
+        expectRelative(r.margins.delayMargin, row.delayMargin, 1e-9, "delay margin");
     }
 }
 
 TEST(Report, ClosedLoopAndStepOfClassicLoops)
 {
-    /* 4/(s+1)^3: T has the poles -1 + cbrt(4) e^(j pi (2k+1)/3) and T(0) = 4/5. */
-    Report cubic = analysis::analyzeModel(canonical({4}, {1, 3, 3}));
-    ASSERT_TRUE(cubic.closedLoop.stable);
-    ASSERT_EQ(cubic.closedLoop.poles.size(), 3u);
-    double r = std::cbrt(4.0);
-    for (auto want : {analysis::Root(-1 - r, 0), analysis::Root(-1 + r / 2, r * std::sqrt(3.0) / 2),
-                      analysis::Root(-1 + r / 2, -r * std::sqrt(3.0) / 2)}) {
-        bool found = false;
-        for (auto p : cubic.closedLoop.poles)
-            found = found || std::abs(p - want) < 1e-12;
-        EXPECT_TRUE(found) << want;
-    }
-    ASSERT_TRUE(cubic.step);
-    EXPECT_NEAR(cubic.step->finalValue, 0.8, 1e-12);
-
     /* 4/(s(s+2)) closes to wn 2, zeta 0.5: overshoot e^(-pi zeta/sqrt(1-zeta^2)), peak at pi/wd. */
     Report second = analysis::analyzeModel(canonical({4}, {0, 2}));
     ASSERT_TRUE(second.step);

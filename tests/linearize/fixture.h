@@ -27,38 +27,19 @@ protected:
     }
     void TearDown() override { hostapp::clearDiagram(); }
 
-    /* Loads a diagram text; with `references`, clicks its own reference points too. */
-    void load(const std::string &text, bool references = false)
+    /* Loads a diagram, its text or examples/NAME, and clicks its own reference points, as
+    ** the command line does, unless told not to. */
+    void load(const std::string &diagram, bool references = true)
     {
         std::string error;
-        ASSERT_TRUE(hostapp::loadDiagramText(text, "test.json", error)) << error;
+        ASSERT_TRUE(diagram.front() == '{' ? hostapp::loadDiagramText(diagram, "test.json", error)
+                                           : hostapp::loadDiagramFile(testing_support::examplePath(diagram), error))
+            << error;
         if (references) {
             ASSERT_TRUE(hostapp::applyDiagramReferencePoints(error)) << error;
         }
     }
-    /* Loads examples/NAME and clicks its own reference points, as the command line does,
-    ** unless told not to. */
-    void loadExample(const std::string &name, bool references = true)
-    {
-        std::string error;
-        ASSERT_TRUE(hostapp::loadDiagramFile(testing_support::examplePath(name), error)) << error;
-        if (references) {
-            ASSERT_TRUE(hostapp::applyDiagramReferencePoints(error)) << error;
-        }
-    }
-    void click(const std::string &point)
-    {
-        std::string error;
-        ASSERT_TRUE(hostapp::clickReferencePoint(point, error)) << error;
-    }
-    RefPoint *point(const std::string &name)
-    {
-        RefPoint *found = hostapp::diagramPoint(name);
-        EXPECT_NE(found, nullptr) << name;
-        return found;
-    }
-    bool highlighted(const std::string &name) { return (point(name)->flags & REF_FLAG_HIGHLIGHT) != 0; }
-    std::vector<std::string> messages() const { return platform::transcript(); }
+    bool highlighted(const std::string &name) { return (hostapp::diagramPoint(name)->flags & REF_FLAG_HIGHLIGHT) != 0; }
 };
 
 /* Expects m to be rows x cols with the given elements, row by row, within tolerance. */

@@ -33,11 +33,15 @@ TEST(SettingsSessions, DialogsShowAndWriteTheSettings)
         std::vector<std::string> shown;
         const char *after;
     } rows[] = {
-        {"first range dialog shows its initial memory; OK writes both ranges", NO_FILE, "frequency-range", 0,
+        /* The first range dialog shows its initial memory; OK writes both ranges, at the
+        ** display precision. */
+        {"first range dialog: step count one refused, two accepted", NO_FILE,
+         "frequency-range --type 102=0.123456789 --type 103=2 --type 104=1 --click 1 --type 104=2", 0,
          {"[dialog] Bode Frequency Range", "  edit 102 \"103\"", "  edit 103 \"104\"", "  edit 104 \"102\"",
-          "  checkbox 1029 \"Auto Range\" [ ] (hidden)", "[end] Bode Frequency Range: 1"},
-         "[tervan]\nrlocSteps=102\nrlocAutoRange=0\nrlocStart=103\nrlocStop=104\n"
-         "freqSteps=102\nfreqStart=103\nfreqStop=104\n"},
+          "  checkbox 1029 \"Auto Range\" [ ] (hidden)", "[Tervan] step count too low", "  > type 104 \"2\"",
+          "[end] Bode Frequency Range: 1"},
+         "[tervan]\nrlocSteps=2\nrlocAutoRange=0\nrlocStart=.123457\nrlocStop=2\n"
+         "freqSteps=2\nfreqStart=.123457\nfreqStop=2\n"},
         /* The gain range dialog shows the memory the frequency range left, and writes the
         ** frequency keys from the frequency range, not from what it edits. */
         {"gain range dialog after the frequency range", NO_FILE,
@@ -54,12 +58,6 @@ TEST(SettingsSessions, DialogsShowAndWriteTheSettings)
          {"[Tervan] Start must be less than Stop", "[refused] Bode Frequency Range", "[end] Bode Frequency Range: 2",
           "[dialog] Bode Frequency Range", "  edit 102 \"5\"", "  edit 103 \"5\"", "  edit 104 \"102\""},
          "[tervan]\nfreqStart=0.5\nfreqStop=50\nfreqSteps=40\n"},
-        /* Numbers are written at the display precision. */
-        {"step count one refused, two accepted", NO_FILE,
-         "frequency-range --type 102=0.123456789 --type 103=2 --type 104=1 --click 1 --type 104=2", 0,
-         {"[Tervan] step count too low", "  > type 104 \"2\"", "[end] Bode Frequency Range: 1"},
-         "[tervan]\nrlocSteps=2\nrlocAutoRange=0\nrlocStart=.123457\nrlocStop=2\n"
-         "freqSteps=2\nfreqStart=.123457\nfreqStop=2\n"},
         /* Every range key is read at the start (the auto range against its default, on): the
         ** gain range dialog shows the root locus keys and writes back the frequency keys it read. */
         {"hand-edited range keys",

@@ -90,7 +90,7 @@ TEST(RootLocusBounds, RadiusTwoPointThreeClampsEveryBoundBeyondThree)
     PlotRecord plot{};
     plot.xMin = -7.5;
     plot.xMax = 2.9;
-    plot.yMin = -3.0;
+    plot.yMin = -3.2;
     plot.yMax = 3.01;
     clampPlotToRadius(&plot, 2.3);
     EXPECT_EQ(plot.xMin, -3.0);
