@@ -104,22 +104,17 @@ TEST(ComplexToText, PairInParentheses)
     EXPECT_STREQ(complexToText(&pole), "(-.707107,.707107)");
 }
 
-class MatrixText : public ::testing::Test {
+class MatrixText : public testing_support::PluginTest {
 protected:
-    PrecisionScope precision{6};
-    testing_support::TempDir dir;   /* one per test: ctest runs test binaries in parallel */
-    int16_t savedChoice = linOutputChoice;
     void SetUp() override
     {
-        platform::clearTranscript();
+        PluginTest::SetUp();
         linOutputChoice = LIN_OUTPUT_SCREEN;
     }
-    void TearDown() override { linOutputChoice = savedChoice; }
 
-    /* Runs print in file mode into a fresh file and returns the file's text. */
+    /* Runs print in file mode into a fresh file in the test's folder and returns its text. */
     template <typename Print> std::string inFile(Print print)
     {
-        hostapp::host().outputDir = dir.path;
         linOutputChoice = LIN_OUTPUT_FILE;
         EXPECT_NE(fileOpen("matrix_text.m", FILE_OPEN_WRITE_CREATE_TRUNC), 0);
         print();
@@ -154,9 +149,7 @@ TEST_F(MatrixText, ShapesAndNamesOnScreenAndInTheFile)
         {"b = ", 3, 1, {-0.5, 0, 1e10}, "b = [-.5 ;\n    0 ;\n    1e+010 ];\n"},
     };
     for (const auto &row : rows) {
-        Matrix *m = row.rows < 0 ? nullptr : matDecl((uint32_t)row.rows, row.cols);
-        for (size_t k = 0; k < row.values.size(); k++)
-            m->data[row.cols ? (k % row.cols) * row.rows + k / row.cols : k] = row.values[k];
+        Matrix *m = row.rows < 0 ? nullptr : testing_support::matrixFromRows(row.rows, row.cols, row.values);
         platform::clearTranscript();
         printMatrix(row.name, m);
         EXPECT_EQ(messageBoxTexts(), std::vector<std::string>{row.text});
