@@ -229,10 +229,10 @@ void writeFile(const std::string &path, const std::string &text)
     std::ofstream(path) << text;
 }
 
-RunResult runPraxa(const std::string &arguments)
+RunResult runPraxa(const std::string &arguments, const std::string &executable)
 {
     TempDir dir;
-    std::string command = std::string(PRAXA_EXE) + " " + arguments + " >" + dir.file("out") + " 2>" + dir.file("err") + " </dev/null";
+    std::string command = executable + " " + arguments + " >" + dir.file("out") + " 2>" + dir.file("err") + " </dev/null";
     RunResult result;
     int raw = std::system(command.c_str());
     result.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;

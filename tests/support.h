@@ -34,13 +34,14 @@ struct TempDir {
 ** window, wires the plug-in's entry points (linked into the test) and calls praxaInit. */
 void startHostWithPlugin(const std::string &settingsPath, const std::string &outputDir = "/tmp");
 
-/* Runs the praxa executable with `arguments` (a shell word list). */
+/* Runs the praxa executable (or a copy of it at `executable`) with `arguments` (a shell
+** word list). */
 struct RunResult {
     int status = -1;
     std::string out;
     std::string err;
 };
-RunResult runPraxa(const std::string &arguments);
+RunResult runPraxa(const std::string &arguments, const std::string &executable = PRAXA_EXE);
 
 /* runPraxa in `dir`: "{dir}" in the arguments stands for the folder and "{examples}" for
 ** the bundled examples' (with its slash), and --settings (tervan.ini) and --out name the

@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "host/host.h"
-#include "hostapp/diagram.h"
 #include "hostapp/plots.h"
 #include "platform/driver.h"
 #include "shell/plot_output.h"
@@ -27,15 +26,9 @@ class RootLocusCommand : public PluginTest {
 protected:
     void SetUp() override
     {
-        hostapp::clearDiagram();
         PluginTest::SetUp();
         ASSERT_TRUE(loadExample("servo.json"));
         platform::clearTranscript();
-    }
-    void TearDown() override
-    {
-        hostapp::clearDiagram();
-        PluginTest::TearDown();
     }
 
     PlotRecord *lastPlot() const
