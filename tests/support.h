@@ -49,7 +49,8 @@ RunResult runPraxa(const std::string &arguments, const std::string &executable =
 RunResult runPraxaIn(const TempDir &dir, const std::string &arguments);
 
 /* One run of the praxa executable in a fresh folder, as a table row: `files` are written
-** there first, and the run, the texts and the files' read as runPraxaIn reads arguments.
+** there first, then runPraxaIn runs the arguments; "{dir}" and "{examples}" stand as there
+** in every text.
 ** `out` lines must appear in order in stdout (with `whole`, they are all of it); `err`,
 ** unless null, is the whole of stderr; `after` are files that must then hold exactly the
 ** given text (nullptr: must not exist); no `absent` text may appear in stdout. */
