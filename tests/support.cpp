@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -14,11 +15,15 @@
 
 #include "compensator/compensator.h"
 #include "host/host.h"
+#include "hostapp/diagram.h"
+#include "hostapp/host_state.h"
 #include "hostapp/in_process_host.h"
 #include "linearize/linearize.h"
 #include "numeric/matrix.h"
 #include "platform/driver.h"
+#include "shell/plot_output.h"
 #include "shell/praxa.h"
+#include "shell/settings.h"
 
 namespace testing_support {
 
@@ -37,6 +42,35 @@ TempDir::~TempDir()
 void startHostWithPlugin(const std::string &settingsPath, const std::string &outputDir)
 {
     hostapp::startInProcessHost(settingsPath, outputDir);
+}
+
+void defaultAnalysisSettings()
+{
+    frequencyRange = {50, 0.1, 100.0};
+    gainRange = {50, 0.0, 100.0};
+    optionsMemory.autoRange = 0;
+    frequencyUnit.selected = FREQUENCY_UNIT_RADIANS;
+    phaseUnit.selected = PHASE_UNIT_DEGREES;
+    magnitudeUnit.selected = MAGNITUDE_UNIT_LOG10;
+    displayPrecision = 6;
+    frequencyPlotCount = rootLocusPlotCount = 0;
+    reusePlots = 0;
+}
+
+void PluginTest::SetUp()
+{
+    writeFile(dir.file("tervan.ini"), "");
+    startHostWithPlugin(dir.file("tervan.ini"), dir.path);
+    defaultAnalysisSettings();
+    releasePluginRecords();
+    platform::clearTranscript();
+}
+
+void PluginTest::TearDown()
+{
+    releasePluginRecords();
+    bodePhasePlot = bodeMagnitudePlot = nyquistPlot = rootLocusPlot = nullptr;
+    hostapp::resetHost();
 }
 
 void releasePluginRecords()
@@ -68,13 +102,19 @@ std::string examplePath(const std::string &name)
     return std::string(PRAXA_SOURCE_DIR) + "/examples/" + name;
 }
 
-Matrix *matrixFromRows(uint32_t rows, uint32_t cols, std::initializer_list<double> values)
+::testing::AssertionResult loadExample(const std::string &name)
+{
+    std::string error;
+    if (!hostapp::loadDiagramFile(examplePath(name), error) || !hostapp::applyDiagramReferencePoints(error))
+        return ::testing::AssertionFailure() << error;
+    return ::testing::AssertionSuccess();
+}
+
+Matrix *matrixFromRows(uint32_t rows, uint32_t cols, const std::vector<double> &values)
 {
     Matrix *m = matDecl(rows, cols);
-    auto it = values.begin();
-    for (uint32_t i = 0; i < rows; i++)
-        for (uint32_t j = 0; j < cols && it != values.end(); j++)
-            m->data[j * rows + i] = *it++;
+    for (size_t k = 0; k < values.size() && k < (size_t)rows * std::max(cols, 1u); k++)
+        m->data[cols ? (k % cols) * rows + k / cols : k] = values[k];
     return m;
 }
 
@@ -92,31 +132,78 @@ Matrix *matrixFromRows(uint32_t rows, uint32_t cols, std::initializer_list<doubl
     return ::testing::AssertionSuccess();
 }
 
+int transcriptLine(const std::string &text, int occurrence)
+{
+    const std::vector<std::string> &lines = platform::transcript();
+    for (size_t i = 0; i < lines.size(); i++)
+        if (lines[i] == text && occurrence-- == 0)
+            return (int)i;
+    return -1;
+}
+
+int transcriptCount(const std::string &text)
+{
+    const std::vector<std::string> &lines = platform::transcript();
+    return (int)std::count(lines.begin(), lines.end(), text);
+}
+
+std::string shownControl(const std::string &caption, const std::string &kind, int id, int occurrence)
+{
+    const std::vector<std::string> &lines = platform::transcript();
+    int start = transcriptLine("[dialog] " + caption, occurrence);
+    if (start < 0)
+        return "<no dialog>";
+    std::string prefix = "  " + kind + " " + std::to_string(id);
+    for (size_t i = start + 1; i < lines.size() && lines[i].rfind("  ", 0) == 0; i++)
+        if (lines[i].rfind(prefix + " ", 0) == 0 || lines[i].rfind(prefix + ":", 0) == 0)
+            return lines[i];
+    return "<no control>";
+}
+
+static std::string inFolder(const TempDir &dir, std::string text)
+{
+    for (size_t at; (at = text.find("{dir}")) != std::string::npos;)
+        text.replace(at, 5, dir.path);
+    for (size_t at; (at = text.find("{examples}")) != std::string::npos;)
+        text.replace(at, 10, examplePath(""));
+    return text;
+}
+
+RunResult runPraxaIn(const TempDir &dir, const std::string &arguments)
+{
+    std::string words = inFolder(dir, arguments);
+    if (words.find("--settings ") == std::string::npos)
+        words = "--settings " + dir.file("tervan.ini") + " " + words;
+    if (words.find("--out ") == std::string::npos)
+        words = "--out " + dir.path + " " + words;
+    return runPraxa(words);
+}
+
 void expectSession(const Session &session)
 {
-    TempDir dir;
-    auto inDir = [&](std::string text) {
-        for (size_t at; (at = text.find("{dir}")) != std::string::npos;)
-            text.replace(at, 5, dir.path);
-        for (size_t at; (at = text.find("{examples}")) != std::string::npos;)
-            text.replace(at, 10, examplePath(""));
-        return text;
-    };
+    expectSession(session, TempDir());
+}
+
+void expectSession(const Session &session, const TempDir &dir)
+{
     for (const auto &[name, text] : session.files)
-        writeFile(dir.file(name), inDir(text));
-    std::string arguments = inDir(session.arguments);
-    if (arguments.find("--settings ") == std::string::npos)
-        arguments = "--settings " + dir.file("tervan.ini") + " " + arguments;
-    if (arguments.find("--out ") == std::string::npos)
-        arguments = "--out " + dir.path + " " + arguments;
-    RunResult run = runPraxa(arguments);
+        writeFile(dir.file(name), inFolder(dir, text));
+    RunResult run = runPraxaIn(dir, session.arguments);
     EXPECT_EQ(run.status, session.status) << session.name << "\n" << run.out << run.err;
     std::vector<std::string> out;
-    for (const std::string &line : session.out)
-        out.push_back(inDir(line));
-    EXPECT_TRUE(hasLinesInOrder(run.out, out)) << session.name;
+    std::string whole;
+    for (const std::string &line : session.out) {
+        out.push_back(inFolder(dir, line));
+        whole += out.back() + "\n";
+    }
+    if (session.whole)
+        EXPECT_EQ(run.out, whole) << session.name;
+    else
+        EXPECT_TRUE(hasLinesInOrder(run.out, out)) << session.name;
+    for (const std::string &text : session.absent)
+        EXPECT_EQ(run.out.find(inFolder(dir, text)), std::string::npos) << session.name << ": " << text;
     if (session.err) {
-        EXPECT_EQ(run.err, inDir(session.err)) << session.name;
+        EXPECT_EQ(run.err, inFolder(dir, session.err)) << session.name;
     }
     for (const auto &[name, text] : session.after) {
         bool exists = std::filesystem::exists(dir.file(name));
@@ -125,7 +212,7 @@ void expectSession(const Session &session)
         else if (!exists)
             ADD_FAILURE() << session.name << ": no file " << name;
         else
-            EXPECT_EQ(readFile(dir.file(name)), inDir(text)) << session.name << ": " << name;
+            EXPECT_EQ(readFile(dir.file(name)), inFolder(dir, text)) << session.name << ": " << name;
     }
 }
 
@@ -142,10 +229,10 @@ void writeFile(const std::string &path, const std::string &text)
     std::ofstream(path) << text;
 }
 
-RunResult runPraxa(const std::string &arguments)
+RunResult runPraxa(const std::string &arguments, const std::string &executable)
 {
     TempDir dir;
-    std::string command = std::string(PRAXA_EXE) + " " + arguments + " >" + dir.file("out") + " 2>" + dir.file("err") + " </dev/null";
+    std::string command = executable + " " + arguments + " >" + dir.file("out") + " 2>" + dir.file("err") + " </dev/null";
     RunResult result;
     int raw = std::system(command.c_str());
     result.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;

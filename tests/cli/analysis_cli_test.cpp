@@ -10,10 +10,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <regex>
 #include <string>
 
 #include "support.h"
+#include "support/plugin_plot.h"
 
 using namespace testing_support;
 
@@ -24,19 +24,6 @@ std::string plantDiagram(const std::string &plant)
     return R"({"blocks": [{"id": "u", "type": "step", "value": 0}, )" + plant +
            R"(, {"id": "y", "type": "plot"}], "wires": [["u", "p"], ["p", "y"]],
               "selection": ["p"], "input": "p.in", "output": "p.out"})";
-}
-
-/* The smallest and largest tick label of one axis ("x" or "y") of an SVG plot. */
-std::pair<double, double> axisRange(const std::string &svg, const std::string &axis)
-{
-    std::regex tick("class=\"" + axis + "-tick\"[^>]*>([^<]*)<");
-    double low = INFINITY, high = -INFINITY;
-    for (auto it = std::sregex_iterator(svg.begin(), svg.end(), tick); it != std::sregex_iterator(); ++it) {
-        double v = std::stod((*it)[1]);
-        low = std::min(low, v);
-        high = std::max(high, v);
-    }
-    return {low, high};
 }
 
 /* 1/(s^n + s^(n-1) + ... + 1): a plant of n states. */
@@ -135,33 +122,25 @@ TEST(AnalysisNotes, PointsTakenAndEmptyAnalysesAreNamed)
         "[host] nothing to show: the input lim.1 does not reach the output plant.out at this operating point (the "
         "transfer function is 0; a saturation past its limit, a dead zone or a switch passes no change); move the "
         "operating point or pick other points";
-    std::vector<Session> sessions;
+    /* A loop the input reaches gets no note: the servo without points of its own (the
+    ** linearizer's choice is shown), and 5(s - 0.2)/(s (s+1)^9), whose first nonzero Markov
+    ** parameter is its ninth. */
+    std::string servo = readFile(examplePath("servo.json"));
+    servo.replace(servo.find("\"input\": \"ctrl.in\","), 19, "");
+    std::vector<Session> sessions = {
+        {"servo without points", {{"d.json", servo}}, "{dir}/d.json bode", 0,
+         {"[plot] Bode-Phase.svg", "[host] reference points taken: input ctrl.1, output motor.out"}, "", {},
+         {"[host] nothing"}},
+        {"first Markov parameter the ninth", {{"d.json", plantDiagram(R"({"id": "p", "type": "transferFunction",
+            "num": [5, -1], "den": [1, 9, 36, 84, 126, 126, 84, 36, 9, 1, 0]})")}}, "{dir}/d.json bode", 0,
+         {"[plot] Bode-Phase.svg"}, "", {}, {"[host] nothing"}},
+    };
     for (const char *command : {"bode", "nyquist", "rlocus"}) {
         sessions.push_back({command, {{"d.json", gain}}, std::string("{dir}/d.json ") + command, 0, {noStates}, ""});
         sessions.push_back({command, {{"d.json", saturated}}, std::string("{dir}/d.json ") + command, 0, {noPath}, ""});
     }
     for (const Session &session : sessions)
         expectSession(session);
-
-    /* A loop the input reaches gets no note: the servo without points of its own (the
-    ** linearizer's choice is shown), and 5(s - 0.2)/(s (s+1)^9), whose first nonzero Markov
-    ** parameter is its ninth. */
-    TempDir dir;
-    std::string text = readFile(examplePath("servo.json"));
-    text.replace(text.find("\"input\": \"ctrl.in\","), 19, "");
-    writeFile(dir.file("nopoints.json"), text);
-    writeFile(dir.file("late.json"), plantDiagram(R"({"id": "p", "type": "transferFunction", "num": [5, -1],
-        "den": [1, 9, 36, 84, 126, 126, 84, 36, 9, 1, 0]})"));
-    const std::pair<const char *, std::vector<std::string>> runs[] = {
-        {"nopoints.json", {"[plot] Bode-Phase.svg", "[host] reference points taken: input ctrl.1, output motor.out"}},
-        {"late.json", {"[plot] Bode-Phase.svg"}}};
-    for (const auto &[diagram, lines] : runs) {
-        RunResult run =
-            runPraxa("--settings " + dir.file("s.ini") + " --out " + dir.path + " " + dir.file(diagram) + " bode");
-        EXPECT_EQ(run.status, 0) << run.err;
-        EXPECT_TRUE(hasLinesInOrder(run.out, lines));
-        EXPECT_EQ(run.out.find("[host] nothing"), std::string::npos) << run.out;
-    }
 }
 
 /* Every tick of both axes stays within 20 where the curve ran far out. */
@@ -169,7 +148,7 @@ TEST(PlotExtent, CurvesThatRunToInfinityKeepReadableAxes)
 {
     struct Row {
         const char *what;
-        std::string diagram;    /* a plant, or an example's name */
+        std::string diagram;
         std::string script;
         double widestBelow;     /* the x axis spans at least this */
     };
@@ -184,25 +163,20 @@ TEST(PlotExtent, CurvesThatRunToInfinityKeepReadableAxes)
          plantDiagram(R"({"id": "p", "type": "transferFunction", "num": [1], "den": [1, 0, 1]})"),
          "preferences --frequency-unit hertz\nnyquist", 10.0},
         /* the last grid point sits on the integrator's pole z = 1: the y axis ran to 9e13 */
-        {"sampled loop", "sampled_loop.json", "nyquist", 0.5},
+        {"sampled loop", readFile(examplePath("sampled_loop.json")), "nyquist", 0.5},
     };
     for (const Row &row : rows) {
         SCOPED_TRACE(row.what);
         TempDir dir;
-        writeFile(dir.file("d.json"), row.diagram.front() == '{' ? row.diagram : readFile(examplePath(row.diagram)));
-        writeFile(dir.file("s.txt"), row.script + "\n");
-        RunResult run = runPraxa("--settings " + dir.file("t.ini") + " --out " + dir.path + " " + dir.file("d.json") +
-                                 " --script " + dir.file("s.txt"));
-        ASSERT_EQ(run.status, 0) << run.err;
-        /* the plot file, as the transcript names it */
-        size_t named = run.out.find("[plot] ");
-        ASSERT_NE(named, std::string::npos) << run.out;
-        std::string plot = run.out.substr(named + 7, run.out.find('\n', named) - named - 7);
-        std::string svg = readFile(dir.file(plot));
-        auto [xLow, xHigh] = axisRange(svg, "x");
-        auto [yLow, yHigh] = axisRange(svg, "y");
+        std::string plot = row.script.ends_with("rlocus") ? "Root-Locus.svg" : "Nyquist.svg";
+        expectSession({row.what, {{"d.json", row.diagram}, {"s.txt", row.script + "\n"}},
+                       "{dir}/d.json --script {dir}/s.txt", 0, {"[plot] " + plot}}, dir);
+        pugi::xml_document svg;
+        ASSERT_TRUE(svg.load_file(dir.file(plot).c_str()));
+        auto [xLow, xHigh] = tickRange(svg, "x-tick");
+        auto [yLow, yHigh] = tickRange(svg, "y-tick");
         for (double tick : {xLow, xHigh, yLow, yHigh})
-            EXPECT_LE(std::fabs(tick), 20.0) << svg.substr(0, 200);
+            EXPECT_LE(std::fabs(tick), 20.0);
         EXPECT_GE(xHigh - xLow, row.widestBelow);
     }
 }

@@ -128,8 +128,8 @@ TEST(CommandLine, UnusableArgumentsAndFilesAreRefusedWithARemedy)
         std::string arguments = row.arguments;
         if (arguments[0] != '/' && arguments[0] != '{')
             arguments = "{examples}servo.json " + arguments;
-        expectSession(
-            {row.arguments.c_str(), {{"afile", "x"}, {"bad.json", bad}}, arguments, 2, {}, (row.error + "\n").c_str()});
+        expectSession({row.arguments.c_str(), {{"afile", "x"}, {"bad.json", bad}}, arguments, 2, {},
+                       (row.error + "\n").c_str(), {}, {}, true});
     }
 }
 
@@ -140,13 +140,11 @@ TEST(CommandLine, UnwritableSettingsFilesAreNamedAndLeftAsTheyAre)
     TempDir dir;
     writeFile(dir.file("tervan.ini"), "[tervan]\nprxReusePlots=0\n");
     ASSERT_EQ(chmod(dir.file("tervan.ini").c_str(), 0444), 0);
-    for (const std::string &settings : {std::string("/proc/version"), dir.file("tervan.ini")}) {
-        RunResult run =
-            runPraxa("--settings " + settings + " --out " + dir.path + " " + examplePath("servo.json") + " reuse-plots");
-        EXPECT_EQ(run.status, 1);
-        EXPECT_EQ(run.out, "[error] Cannot write settings file " + settings + ": Permission denied\n");
-        EXPECT_EQ(run.err, "praxa: the settings file " + settings + " could not be written; give a writable one with --settings\n");
-    }
+    for (const std::string settings : {"/proc/version", "{dir}/tervan.ini"})
+        expectSession({settings.c_str(), {}, "--settings " + settings + " {examples}servo.json reuse-plots", 1,
+                       {"[error] Cannot write settings file " + settings + ": Permission denied"},
+                       ("praxa: the settings file " + settings + " could not be written; give a writable one with "
+                        "--settings\n").c_str(), {}, {}, true}, dir);
     EXPECT_EQ(readFile(dir.file("tervan.ini")), "[tervan]\nprxReusePlots=0\n");
 }
 

@@ -3,8 +3,6 @@
 ** the everyday commands run as before; draw, serve and a diagram with an expression block
 ** say which module is missing.
 */
-#include <sys/wait.h>
-
 #include <cstdlib>
 
 #include <gtest/gtest.h>
@@ -40,11 +38,10 @@ TEST(HostModules, OnlyDrawServeAndExpressionsNeedTheirModules)
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(row.diagram + " " + row.command);
-        std::string command = exe + " --plugin " + plugin + " --settings " + dir.file("s.ini") + " --out " + out + " " +
-                              examplePath(row.diagram) + " " + row.command + " >/dev/null 2>" + dir.file("err") + " </dev/null";
-        int raw = std::system(command.c_str());
-        EXPECT_EQ(WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, row.status);
-        EXPECT_EQ(readFile(dir.file("err")), row.error);
+        RunResult run = runPraxa("--plugin " + plugin + " --settings " + dir.file("s.ini") + " --out " + out + " " +
+                                 examplePath(row.diagram) + " " + row.command, exe);
+        EXPECT_EQ(run.status, row.status);
+        EXPECT_EQ(run.err, row.error);
     }
     EXPECT_NE(readFile(out + "/Bode-Phase.svg").find("</svg>"), std::string::npos);
 }

@@ -34,34 +34,27 @@ const char *const COMPENSATED_SERVO = R"({
 
 TEST(CompensatorBlock, TheDesignHandedOverIsAnalysedAndSavedInTheBlock)
 {
-    TempDir dir;
-    std::string diagram = dir.file("servo.json");
-    writeFile(diagram, COMPENSATED_SERVO);
-    writeFile(dir.file("design.txt"), "compensator --gain 10 --add-zero -1 --add-pole -10 --ok --save\ntf\n");
-    RunResult run = runPraxa("--settings " + dir.file("s.ini") + " --out " + dir.file("out") + " " + diagram +
-                             " --script " + dir.file("design.txt"));
-    EXPECT_EQ(run.status, 0) << run.err << run.out;
-    /* 10 (s + 1)/(s + 10) before the servo 20/(s (s + 1)(s + 10)): gain 200, the zero at -1 */
-    EXPECT_TRUE(hasLinesInOrder(run.out, {"[compensator] gain 10 zeros (-1,0) poles (-10,0)",
-                                          "[host] compensator block 'comp' updated",
-                                          "[host] compensator block 'comp' saved in " + diagram,
-                                          "  static 109 \"200\"", "  listbox 107: \"(-1,0)\""}));
-
     std::string expected = COMPENSATED_SERVO;
     std::string old = R"({"id": "comp",  "type": "compensator", "gain": 1})";
     expected.replace(expected.find(old), old.size(),
                      R"({"id":"comp","type":"compensator","gain":10.0,"zeros":[-1.0],"poles":[-10.0]})");
-    EXPECT_EQ(readFile(diagram), expected);
+    /* 10 (s + 1)/(s + 10) before the servo 20/(s (s + 1)(s + 10)): gain 200, the zero at -1 */
+    TempDir dir;
+    expectSession({"saved", {{"servo.json", COMPENSATED_SERVO},
+                   {"design.txt", "compensator --gain 10 --add-zero -1 --add-pole -10 --ok --save\ntf\n"}},
+                   "--out {dir}/out {dir}/servo.json --script {dir}/design.txt", 0,
+                   {"[compensator] gain 10 zeros (-1,0) poles (-10,0)", "[host] compensator block 'comp' updated",
+                    "[host] compensator block 'comp' saved in {dir}/servo.json", "  static 109 \"200\"",
+                    "  listbox 107: \"(-1,0)\""}, nullptr, {{"servo.json", expected.c_str()}}}, dir);
     size_t files = 0;
     for (const auto &entry : std::filesystem::directory_iterator(dir.path))
         files += entry.is_regular_file();
     EXPECT_EQ(files, 2u) << "no temporary file is left beside the diagram and the script";
 
     /* The saved design is the block's design from then on. */
-    run = runPraxa("--settings " + dir.file("s.ini") + " --out " + dir.file("out") + " " + diagram + " tf");
-    EXPECT_TRUE(hasLinesInOrder(run.out, {"  static 109 \"200\""}));
-    run = runPraxa("--settings " + dir.file("s.ini") + " " + diagram + " select-compensator");
-    EXPECT_EQ(run.out, "[host] compensator block: 'comp'\n");
+    expectSession({"analysed", {}, "--out {dir}/out {dir}/servo.json tf", 0, {"  static 109 \"200\""}}, dir);
+    expectSession({"selected", {}, "{dir}/servo.json select-compensator", 0, {"[host] compensator block: 'comp'"},
+                   nullptr, {}, {}, true}, dir);
 }
 
 TEST(CompensatorBlock, SessionsOnTheServo)

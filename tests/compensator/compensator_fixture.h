@@ -1,7 +1,7 @@
 /*
 ** tests/compensator/compensator_fixture.h: a fresh host with the plug-in and a plant
 ** in stateSpaceModel, the compensator design run as the Compensator Design command runs
-** it, and what the dialog showed read back from the transcript.
+** it, and the dialog's lists as OK or Cancel finds them.
 */
 #ifndef PRAXA_TESTS_COMPENSATOR_FIXTURE_H
 #define PRAXA_TESTS_COMPENSATOR_FIXTURE_H
@@ -28,7 +28,7 @@
 
 namespace comptest {
 
-using testing_support::tracePoints;
+using namespace testing_support;
 
 using platform::ActionKind;
 using platform::DialogAction;
@@ -96,44 +96,30 @@ inline INT_PTR spiedCompensatorDlg(HWND dialog, UINT message, WPARAM wParam, LPA
     return result;
 }
 
-class CompensatorTest : public ::testing::Test {
+class CompensatorTest : public PluginTest {
 protected:
-    testing_support::TempDir dir;
     std::unique_ptr<xfertest::Model> plant;
     std::vector<std::pair<WPARAM, LPARAM>> hostCommands;
 
     void SetUp() override
     {
-        testing_support::writeFile(dir.file("tervan.ini"), "");
-        reusePlots = 0;
-        testing_support::startHostWithPlugin(dir.file("tervan.ini"), dir.path);
+        PluginTest::SetUp();
         platform::setMainWindowHandler([this](UINT message, WPARAM wParam, LPARAM lParam) -> LRESULT {
             if (message == WM_COMMAND)
                 hostCommands.push_back({wParam, lParam});
             return 0;
         });
-        frequencyRange = {50, 0.1, 100.0};
-        gainRange = {50, 0.0, 100.0};
-        optionsMemory.autoRange = 0;
-        frequencyPlotCount = rootLocusPlotCount = 0;
-        frequencyUnit.selected = FREQUENCY_UNIT_RADIANS;
-        phaseUnit.selected = PHASE_UNIT_DEGREES;
-        displayPrecision = 6;
-        testing_support::releasePluginRecords();
         currentList = currentEdit = 0;
         /* 1/(s (s + 1)) */
         plant.reset(xfertest::controllableForm({1.0, 0.0}, {0.0, 1.0}));
         stateSpaceModel = {plant->A, plant->B, plant->C, plant->D};
-        platform::clearTranscript();
     }
 
     void TearDown() override
     {
         stateSpaceModel = {};     /* the plant's matrices are the test's */
-        testing_support::releasePluginRecords();
-        bodePhasePlot = bodeMagnitudePlot = nyquistPlot = rootLocusPlot = nullptr;
         currentList = currentEdit = 0;
-        hostapp::resetHost();
+        PluginTest::TearDown();
     }
 
     /* The Compensator Design command's part after the linearization. */
@@ -157,47 +143,6 @@ protected:
         return result;
     }
 };
-
-/* Point `step` of root locus branch `branch`. */
-inline Complex branchPoint(HostBlock *plot, int branch, int step)
-{
-    PlotRecord *record = plotRecordOf(plot);
-    auto *x = (PlotPointBuffer *)tervanRequest(TERVAN_REQ_PLOT_BUFFER, (intptr_t)record, branch * 256);
-    auto *y = (PlotPointBuffer *)tervanRequest(TERVAN_REQ_PLOT_BUFFER, (intptr_t)record, branch * 256 + 1);
-    return {x->values[step], y->values[step]};
-}
-
-/* Transcript helpers. */
-inline const std::vector<std::string> &lines() { return platform::transcript(); }
-
-inline int lineOf(const std::string &text, int occurrence = 0)
-{
-    for (size_t i = 0; i < lines().size(); i++)
-        if (lines()[i] == text && occurrence-- == 0)
-            return (int)i;
-    return -1;
-}
-
-inline int countLines(const std::string &text)
-{
-    int count = 0;
-    for (const std::string &line : lines())
-        count += line == text;
-    return count;
-}
-
-/* The snapshot line of control `id` of kind `kind` in the n-th "Compensator Design" dialog. */
-inline std::string shownControl(const std::string &kind, int id, int occurrence = 0)
-{
-    int start = lineOf("[dialog] Compensator Design", occurrence);
-    if (start < 0)
-        return "<no dialog>";
-    std::string prefix = "  " + kind + " " + std::to_string(id);
-    for (size_t i = start + 1; i < lines().size() && lines()[i].rfind("  ", 0) == 0; i++)
-        if (lines()[i].rfind(prefix + " ", 0) == 0 || lines()[i].rfind(prefix + ":", 0) == 0)
-            return lines()[i];
-    return "<no control>";
-}
 
 }
 

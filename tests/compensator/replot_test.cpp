@@ -16,20 +16,10 @@ using namespace comptest;
 namespace {
 
 using cd = std::complex<double>;
-const double PI = 3.141592653589793;
 
-/* Point k (from 1) of the 50-point grid 0.1 ... 100 rad/s. */
-double gridPoint(int k) { return std::pow(10.0, -1.0 + (k - 1) * 3.0 / 49.0); }
+cd product(cd s, const std::vector<Complex> &roots) { return poleZeroResponse(s, roots, {}, 1.0); }
 
-cd product(cd s, const std::vector<Complex> &roots)
-{
-    cd p = 1.0;
-    for (const Complex &r : roots)
-        p *= s - cd(r.re, r.im);
-    return p;
-}
-
-int marginDialogs() { return countLines("[dialog] Phase and Gain Margins"); }
+int marginDialogs() { return transcriptCount("[dialog] Phase and Gain Margins"); }
 
 }
 
@@ -88,10 +78,10 @@ TEST_F(CompensatorTest, ReplotDrawsTheWholeLoop)
         }
         bool locus = row.loopZeros.size() <= row.loopPoles.size();
         if (row.message) {
-            int at = lineOf(std::string("[Tervan] ") + row.message);
+            int at = transcriptLine(std::string("[Tervan] ") + row.message);
             EXPECT_GE(at, 0) << platform::transcriptText();
             if (!locus) {
-                EXPECT_GT(at, lineOf("[end] Phase and Gain Margins: 1")) << platform::transcriptText();
+                EXPECT_GT(at, transcriptLine("[end] Phase and Gain Margins: 1")) << platform::transcriptText();
             }
         }
         ASSERT_EQ(rootLocusPlot != nullptr, locus);
@@ -107,11 +97,10 @@ TEST_F(CompensatorTest, ReplotDrawsTheWholeLoop)
             for (const Complex &p : row.loopPoles)
                 poles.insert({p.re, p.im});
             for (int j = 0; j < branches; j++) {
-                Complex p = branchPoint(rootLocusPlot, j, 0);
-                start.insert({std::round(p.re * 1e9) / 1e9, std::round(p.im * 1e9) / 1e9});
+                std::vector<Complex> points = branchPoints(plot, j);
+                start.insert({std::round(points.at(0).re * 1e9) / 1e9, std::round(points[0].im * 1e9) / 1e9});
                 for (int step : {10, 49}) {
-                    Complex r = branchPoint(rootLocusPlot, j, step);
-                    cd s(r.re, r.im);
+                    cd s(points.at(step).re, points[step].im);
                     cd value = product(s, row.loopPoles) + gains[step] * K * product(s, row.loopZeros);
                     EXPECT_LT(std::abs(value), 1e-9 * (1.0 + std::pow(std::abs(s), branches)))
                         << "branch " << j << " step " << step;
@@ -135,7 +124,7 @@ TEST_F(CompensatorTest, ReplotDrawsTheWholeLoop)
     ASSERT_NE(rootLocusPlot, nullptr);
     double highest = 0.0;
     for (int branch = 0; branch < 3; branch++)
-        highest = std::max(highest, std::fabs(branchPoint(rootLocusPlot, branch, 99).im));
+        highest = std::max(highest, std::fabs(branchPoints(plotRecordOf(rootLocusPlot), branch).at(99).im));
     EXPECT_GT(highest, 10.0);
 }
 
@@ -164,9 +153,10 @@ TEST_F(CompensatorTest, ReplotReusesItsPlotsAndCancelKeepsWhatItRead)
     click(IDC_COMP_REPLOT);
     click(IDOK);
     design();
-    EXPECT_EQ(shownControl("edit", IDC_COMP_GAIN), "  edit 1023 \"10\"");
-    EXPECT_EQ(shownControl("listbox", IDC_COMP_ZEROS), "  listbox 107: \"(-1,0)\"");
-    EXPECT_EQ(shownControl("listbox", IDC_COMP_POLES), "  listbox 108: \"(-10,0)\" | \"(-20,0)\"");
+    EXPECT_EQ(shownControl("Compensator Design", "edit", IDC_COMP_GAIN), "  edit 1023 \"10\"");
+    EXPECT_EQ(shownControl("Compensator Design", "listbox", IDC_COMP_ZEROS), "  listbox 107: \"(-1,0)\"");
+    EXPECT_EQ(shownControl("Compensator Design", "listbox", IDC_COMP_POLES),
+              "  listbox 108: \"(-10,0)\" | \"(-20,0)\"");
     EXPECT_EQ(bodePhasePlot, phaseBefore);
     EXPECT_EQ(rootLocusPlot, locusBefore);
 }

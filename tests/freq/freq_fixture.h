@@ -1,7 +1,7 @@
 /*
 ** tests/freq/freq_fixture.h: a fresh host with the plug-in for the frequency-response
 ** tests: the grid and its crossovers, default units and range, two Bode plot blocks, runs
-** on handed-in root lists, and the margins dialog's fields read back from the transcript.
+** on handed-in root lists, and the margins dialogs counted in the transcript.
 */
 #ifndef PRAXA_TESTS_FREQ_FIXTURE_H
 #define PRAXA_TESTS_FREQ_FIXTURE_H
@@ -27,14 +27,7 @@
 
 namespace freqtest {
 
-inline const double PI = 3.141592653589793;
-
-/* Grid frequency k (from 1) of an N-point logarithmic grid from start to stop. */
-inline double gridPoint(int k, int n, double start, double stop)
-{
-    double step = (std::log10(stop) - std::log10(start)) / (n - 1);
-    return std::pow(10.0, std::log10(start) + (k - 1) * step);
-}
+using namespace testing_support;
 
 /* The crossover point of f (on frequencies) on the N-point grid from start to stop: the
 ** last point before a step whose ends lie on both sides of the level or start on it. */
@@ -49,33 +42,10 @@ template <typename F> int crossoverPoint(F f, double level, int n = 50, double s
     return found;
 }
 
-class FreqTest : public ::testing::Test {
+class FreqTest : public PluginTest {
 protected:
-    testing_support::TempDir dir;
     HostBlock *phasePlot = nullptr;
     HostBlock *magnitudePlot = nullptr;
-
-    void SetUp() override
-    {
-        testing_support::writeFile(dir.file("tervan.ini"), "");
-        reusePlots = 0;
-        testing_support::startHostWithPlugin(dir.file("tervan.ini"), dir.path);
-        frequencyPlotCount = 0;
-        frequencyRange = {50, 0.1, 100.0};
-        frequencyUnit.selected = FREQUENCY_UNIT_RADIANS;
-        phaseUnit.selected = PHASE_UNIT_DEGREES;
-        magnitudeUnit.selected = MAGNITUDE_UNIT_LOG10;
-        displayPrecision = 6;
-        testing_support::releasePluginRecords();
-        platform::clearTranscript();
-    }
-
-    void TearDown() override
-    {
-        testing_support::releasePluginRecords();
-        bodePhasePlot = bodeMagnitudePlot = nyquistPlot = rootLocusPlot = nullptr;
-        hostapp::resetHost();
-    }
 
     /* A Bode run of K prod(s - z) / prod(s - p) into two new plots (no root lists: of the
     ** model in stateSpaceModel), for a model of `order` states. */
@@ -93,33 +63,12 @@ protected:
 
     static std::vector<double> points(HostBlock *plot, int trace = 0)
     {
-        return testing_support::tracePoints(plotRecordOf(plot), trace);
+        return tracePoints(plotRecordOf(plot), trace);
     }
     std::vector<double> magnitudes() const { return points(magnitudePlot); }
     std::vector<double> phases() const { return points(phasePlot); }
 
-    /* The text of edit `id` in the n-th "Phase and Gain Margins" dialog of the transcript. */
-    static std::string marginField(int id, int occurrence = 0)
-    {
-        const std::vector<std::string> &lines = platform::transcript();
-        std::string prefix = "  edit " + std::to_string(id) + " \"";
-        for (size_t i = 0; i < lines.size(); i++) {
-            if (lines[i] != "[dialog] Phase and Gain Margins" || occurrence-- > 0)
-                continue;
-            for (size_t j = i + 1; j < lines.size() && lines[j].rfind("  ", 0) == 0; j++)
-                if (lines[j].rfind(prefix, 0) == 0)
-                    return lines[j].substr(prefix.size(), lines[j].find('"', prefix.size()) - prefix.size());
-        }
-        return "<no margins dialog>";
-    }
-
-    static int marginDialogCount()
-    {
-        int count = 0;
-        for (const std::string &line : platform::transcript())
-            count += line == "[dialog] Phase and Gain Margins";
-        return count;
-    }
+    static int marginDialogCount() { return transcriptCount("[dialog] Phase and Gain Margins"); }
 };
 
 }

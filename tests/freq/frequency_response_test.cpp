@@ -10,11 +10,8 @@
 #include <cstring>
 
 #include "freq/margins.h"
-#include "hostapp/diagram.h"
 
 using namespace freqtest;
-using testing_support::examplePath;
-using testing_support::matrixFromRows;
 
 namespace {
 
@@ -98,7 +95,7 @@ TEST_F(FrequencyResponse, LogarithmicGridInBothUnitsAndTheSignOfK)
         EXPECT_EQ(plot->sweepStart, 0.1);
         EXPECT_EQ(plot->sweepStop, 100.0);
         for (int k = 1; k <= 50; k++) {
-            double w = row.factor * gridPoint(k, 50, 0.1, 100.0);
+            double w = row.factor * gridPoint(k);
             EXPECT_NEAR(m[k - 1], 2.0 / std::pow(1 + w * w, 1.5), 1e-12 * m[k - 1]) << k;
             EXPECT_NEAR(p[k - 1], (-3.0 * std::atan(w) + (row.K < 0 ? PI : 0.0)) * row.perRadian, 1e-9) << k;
         }
@@ -128,15 +125,13 @@ TEST_F(FrequencyResponse, WithoutAPathThroughTheStatesTheResponseIsTheFeedThroug
 ** a thousand points and no frequencies. */
 TEST_F(FreqTest, SampledModelsThroughTheMenuCommands)
 {
-    std::string error;
-    ASSERT_TRUE(hostapp::loadDiagramFile(examplePath("sampled_loop.json"), error)) << error;
-    ASSERT_TRUE(hostapp::applyDiagramReferencePoints(error)) << error;
+    ASSERT_TRUE(testing_support::loadExample("sampled_loop.json"));
     ASSERT_EQ(praxaCmd(242), 1);
     std::vector<double> m = points(bodeMagnitudePlot);
     ASSERT_EQ(m.size(), 50u);
     const double a = std::exp(-0.1), b = 1 - a;
     for (int k : {1, 25, 50}) {
-        std::complex<double> z = std::polar(1.0, gridPoint(k, 50, 0.1, 100.0) * 0.1);
+        std::complex<double> z = std::polar(1.0, gridPoint(k) * 0.1);
         std::complex<double> g = (0.5 * z - 0.4) / (z - 1.0) * b / (z - a);
         EXPECT_NEAR(m[k - 1], std::abs(g), 1e-6 * std::abs(g)) << k;
     }

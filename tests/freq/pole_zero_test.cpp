@@ -16,7 +16,7 @@
 namespace {
 
 using cd = std::complex<double>;
-const double PI = 3.141592653589793;
+using testing_support::PI;
 
 TEST(EvalPoleZero, AgreesWithComplexArithmeticOnRandomRoots)
 {

@@ -18,7 +18,6 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <lapacke.h>
 
 #include "numeric/eigen.h"
 #include "numeric_support.h"
@@ -66,34 +65,9 @@ void expectMatchesLapack(const std::vector<double> &a, int n, const char *what)
     expectPairLayout(ours);
 }
 
-/* Companion matrix of the monic polynomial with the given roots (rows (0 1 0 ..) ...,
-** last row minus the coefficients in ascending powers). */
-std::vector<double> companionOf(const std::vector<cplx> &roots)
-{
-    int n = (int)roots.size();
-    std::vector<cplx> c{1.0};               /* ascending powers */
-    for (const cplx &r : roots) {
-        std::vector<cplx> next(c.size() + 1, 0.0);
-        for (size_t k = 0; k < c.size(); k++) {
-            next[k + 1] += c[k];
-            next[k] -= r * c[k];
-        }
-        c = next;
-    }
-    std::vector<double> a((size_t)n * n, 0.0);
-    for (int i = 0; i + 1 < n; i++)
-        a[(size_t)(i + 1) * n + i] = 1.0;
-    for (int j = 0; j < n; j++)
-        a[(size_t)j * n + (n - 1)] = -c[j].real();
-    return a;
 }
 
-}
-
-class Eigenvalues : public ::testing::Test {
-protected:
-    void SetUp() override { resetMessages(); }
-};
+using Eigenvalues = PluginTest;
 
 /* Also one matrix scaled by factors near the ends of the exponent range, where LAPACK is
 ** still exact to rounding and the routine must neither overflow nor underflow of its own. */
@@ -102,7 +76,7 @@ TEST_F(Eigenvalues, RandomMatricesOfOrderOneToSixtyAndExtremeScales)
     std::mt19937_64 rng(20240611);
     for (int trial = 0; trial < 240; trial++) {
         int n = 1 + trial % 60;
-        std::vector<double> a = randomSquare(rng, n);
+        std::vector<double> a = randomMatrix(rng, n, n);
         if (trial % 3 == 1)                 /* mixed scales exercise the balancing */
             for (int j = 0; j < n; j++)
                 for (int i = 0; i < n; i++)
@@ -110,7 +84,7 @@ TEST_F(Eigenvalues, RandomMatricesOfOrderOneToSixtyAndExtremeScales)
         expectMatchesLapack(a, n, "random");
     }
     rng.seed(7);
-    const std::vector<double> unit = randomSquare(rng, 6);
+    const std::vector<double> unit = randomMatrix(rng, 6, 6);
     for (double scale : {1e-300, 1e-165, 1e-160, 1e-155, 1e154, 1e155, 1e200, 1e300}) {
         std::vector<double> a(unit);
         for (double &x : a)
@@ -136,14 +110,13 @@ TEST_F(Eigenvalues, CompanionMatrices)
                 roots.emplace_back(uni(rng), 0.0);
             }
         }
-        std::vector<double> a = companionOf(roots);
-        expectMatchesLapack(a, degree, "companion");
+        expectMatchesLapack(companionMatrix(polynomialOf(roots)), degree, "companion");
     }
     /* Roots of a Wilkinson-like product, against the exact roots 1 .. 10. */
     std::vector<cplx> wilkinson;
     for (int k = 1; k <= 10; k++)
         wilkinson.emplace_back(k, 0.0);
-    std::vector<double> a = companionOf(wilkinson);
+    std::vector<double> a = companionMatrix(polynomialOf(wilkinson));
     expectMatchesLapack(a, 10, "wilkinson");
     for (double d : matchDistances(ourEigen(a, 10), wilkinson))
         EXPECT_LT(d, 1e-6);

@@ -10,10 +10,7 @@ using namespace testing_numeric;
 using Lines = std::vector<std::string>;
 using Values = std::vector<double>;
 
-class MatrixOps : public ::testing::Test {
-protected:
-    void SetUp() override { resetMessages(); }
-};
+using MatrixOps = PluginTest;
 
 TEST_F(MatrixOps, AddReportsMismatchAfterwardsMarksAndSumsCommonBlock)
 {

@@ -77,10 +77,7 @@ void expectDecomposition(const std::vector<double> &a, int m, int n)
 
 }
 
-class Svd : public ::testing::Test {
-protected:
-    void SetUp() override { resetMessages(); }
-};
+using Svd = PluginTest;
 
 /* Also one matrix scaled by factors near the ends of the exponent range (singular values
 ** only: the checks of the factors would overflow there themselves). */
@@ -96,7 +93,7 @@ TEST_F(Svd, SquareAndTallRandomMatricesAndExtremeScales)
         expectDecomposition(a, m, n);
     }
     rng.seed(7);
-    const std::vector<double> unit = randomSquare(rng, 6);
+    const std::vector<double> unit = randomMatrix(rng, 6, 6);
     for (double scale : {1e-300, 1e-165, 1e-160, 1e-155, 1e154, 1e155, 1e200, 1e300}) {
         std::vector<double> a(unit);
         for (double &x : a)
@@ -174,13 +171,8 @@ TEST_F(Svd, SmallSolves)
         {2, {2, 1, 1, 3}, {3, 5}, {0.8, 1.4}, 0, true},
     };
     for (const auto &c : cases) {
-        Matrix *a = matDecl(c.n, c.n), *b = matDecl(c.n, 1), *x = matDecl(c.n, 1);
-        for (uint32_t i = 0; i < c.n; i++) {
-            for (uint32_t j = 0; j < c.n; j++)
-                el(a, i, j) = c.rows[i * c.n + j];
-            b->data[i] = c.b[i];
-            x->data[i] = 9.0;
-        }
+        Matrix *a = fromRows(c.n, c.n, c.rows), *b = fromRows(c.n, 1, c.b);
+        Matrix *x = fromRows(c.n, 1, std::vector<double>(c.n, 9.0));
         Matrix *into = c.inPlace ? b : x;
         EXPECT_EQ(singularValueDecomp(a, b, into), c.dropped) << "n=" << c.n;
         for (uint32_t i = 0; i < c.n; i++)     /* a 0 exactly */

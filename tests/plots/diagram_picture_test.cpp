@@ -42,7 +42,7 @@ Box boxOf(const pugi::xml_node &group)
 struct PictureCase {
     const char *example;
     const char *options;                /* points picked on the command line */
-    const char *announced;              /* what the run says about them */
+    std::vector<std::string> out;       /* all the run says */
     std::vector<std::string> blocks;    /* every block path, sorted */
     std::vector<std::string> selected;  /* sorted */
     std::string inputPoint, outputPoint;
@@ -52,12 +52,12 @@ struct PictureCase {
 TEST(DiagramPicture, ExamplesShowEveryBlockPortWireSelectionAndPoint)
 {
     const PictureCase cases[] = {
-        {"servo", "", "", {"amp", "ctrl", "err", "motor", "ref", "scope"}, {"amp", "ctrl", "motor"}, "ctrl.in1",
-         "motor.out1", 11, 6},
+        {"servo", "", {"[draw] servo.svg"}, {"amp", "ctrl", "err", "motor", "ref", "scope"}, {"amp", "ctrl", "motor"},
+         "ctrl.in1", "motor.out1", 11, 6},
         /* the picked point is marked, not the file's own */
-        {"servo", " --output amp.out", "[host] reference points: input ctrl.1, output amp.out\n",
+        {"servo", " --output amp.out", {"[host] reference points: input ctrl.1, output amp.out", "[draw] servo.svg"},
          {"amp", "ctrl", "err", "motor", "ref", "scope"}, {"amp", "ctrl", "motor"}, "ctrl.in1", "amp.out1", 11, 6},
-        {"pendulum_hanging", "", "",
+        {"pendulum_hanging", "", {"[draw] pendulum_hanging.svg"},
          {"angle", "pendulum", "pendulum/accel", "pendulum/damping", "pendulum/gOverL", "pendulum/gravity",
           "pendulum/omega", "pendulum/theta", "torque"},
          {"pendulum", "pendulum/accel", "pendulum/damping", "pendulum/gOverL", "pendulum/gravity", "pendulum/omega",
@@ -67,12 +67,10 @@ TEST(DiagramPicture, ExamplesShowEveryBlockPortWireSelectionAndPoint)
     for (const PictureCase &c : cases) {
         SCOPED_TRACE(std::string(c.example) + c.options);
         TempDir dir;
-        RunResult run = runPraxa("--settings " + dir.file("tervan.ini") + " --out " + dir.path + " " +
-                                 examplePath(std::string(c.example) + ".json") + c.options + " draw");
-        ASSERT_EQ(run.status, 0) << run.err;
-        EXPECT_EQ(run.out, c.announced + ("[draw] " + std::string(c.example) + ".svg\n"));
+        expectSession({c.example, {}, "{examples}" + std::string(c.example) + ".json" + c.options + " draw", 0,
+                       c.out, "", {}, {}, true}, dir);
         pugi::xml_document doc;
-        ASSERT_TRUE(doc.load_string(readFile(dir.file(std::string(c.example) + ".svg")).c_str()));
+        ASSERT_TRUE(doc.load_file(dir.file(std::string(c.example) + ".svg").c_str()));
 
         EXPECT_EQ(attributeOf(doc, "//g[contains(@class,'block')]", "data-block"), c.blocks);
         EXPECT_EQ(attributeOf(doc, "//g[contains(@class,'selected')]", "data-block"), c.selected);

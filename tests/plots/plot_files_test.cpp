@@ -67,20 +67,20 @@ ino_t inodeOf(const std::string &path)
 TEST(PlotFiles, AnUnchangedPlotIsLeftAsItIsAndAChangedOneIsReplaced)
 {
     TempDir dir;
-    std::string run = "--settings " + dir.file("s.ini") + " --out " + dir.path + " " + examplePath("servo.json") + " bode";
+    const char *run = "{examples}servo.json bode";
     std::string plot = dir.file("Bode-Phase.svg");
-    ASSERT_EQ(runPraxa(run).status, 0);
+    ASSERT_EQ(runPraxaIn(dir, run).status, 0);
     std::string first = readFile(plot);
     ino_t inode = inodeOf(plot);
     ASSERT_NE(inode, 0u);
 
-    ASSERT_EQ(runPraxa(run).status, 0);
+    ASSERT_EQ(runPraxaIn(dir, run).status, 0);
     EXPECT_EQ(inodeOf(plot), inode);
 
     std::string altered = first;
     altered[altered.size() / 2] ^= 1;
     writeFile(plot, altered);
-    ASSERT_EQ(runPraxa(run).status, 0);
+    ASSERT_EQ(runPraxaIn(dir, run).status, 0);
     EXPECT_EQ(readFile(plot), first);
     EXPECT_NE(inodeOf(plot), inode);
 }
@@ -90,8 +90,7 @@ TEST(PlotFiles, EveryPlotOfTheServoHasItsNameAndItsNumbersBesideIt)
 {
     TempDir dir;
     writeFile(dir.file("session.txt"), "preferences --magnitude-unit db\nbode\nnyquist\nrlocus\nnyquist\nrlocus\n");
-    RunResult run = runPraxa("--settings " + dir.file("tervan.ini") + " --out " + dir.path + " --script " +
-                             dir.file("session.txt") + " " + examplePath("servo.json"));
+    RunResult run = runPraxaIn(dir, "--script {dir}/session.txt {examples}servo.json");
     ASSERT_EQ(run.status, 0) << run.err;
     std::vector<std::string> files = {"Bode-Magnitude.svg", "Bode-Phase.svg", "Nyquist.svg",
                                       "Root-Locus.svg",     "Nyquist-2.svg",  "Root-Locus-2.svg"};

@@ -1,7 +1,6 @@
 /*
-** tests/plots/plot_fixture.h: a fresh host with its own output folder per test,
-** the plug-in's plot settings at their defaults, and helpers that fill plots the
-** way the analyses do.
+** tests/plots/plot_fixture.h: a fresh host with the plug-in and an output folder of the
+** test's own, and helpers that fill plots the way the analyses do.
 */
 #ifndef TESTS_PLOT_FIXTURE_H
 #define TESTS_PLOT_FIXTURE_H
@@ -17,42 +16,21 @@
 #include <vector>
 
 #include "host/host.h"
-#include "support/plugin_plot.h"
 #include "hostapp/host_state.h"
 #include "hostapp/plots.h"
 #include "platform/driver.h"
+#include "rlocus/locus_state.h"
 #include "shell/plot_output.h"
 #include "shell/settings.h"
+#include "support.h"
+#include "support/plugin_plot.h"
 
-/* The texts of the elements of an SVG class, in document order. */
-inline std::vector<std::string> texts(const pugi::xml_document &doc, const char *cls)
-{
-    std::vector<std::string> all;
-    std::string query = std::string("//*[@class='") + cls + "']";
-    for (const auto &n : doc.select_nodes(query.c_str()))
-        all.push_back(n.node().child_value());
-    return all;
-}
+using testing_support::texts;
+using testing_support::tickRange;
 
-class PlotTest : public ::testing::Test {
+class PlotTest : public testing_support::PluginTest {
 protected:
-    std::filesystem::path outputDir;
-
-    void SetUp() override
-    {
-        hostapp::resetHost();
-        platform::clearTranscript();
-        outputDir = testing_support::useTestOutputDir();
-        frequencyPlotCount = 0;
-        rootLocusPlotCount = 0;
-        frequencyRange = {50, 0.1, 100.0};
-        gainRange = {50, 0.0, 100.0};
-        frequencyUnit.selected = FREQUENCY_UNIT_RADIANS;
-        phaseUnit.selected = PHASE_UNIT_DEGREES;
-        magnitudeUnit.selected = MAGNITUDE_UNIT_LOG10;
-    }
-
-    void TearDown() override { hostapp::resetHost(); }
+    std::filesystem::path outputDir = dir.path;
 
     /* A Bode-style plot whose first trace holds `values` over the frequency range,
     ** filled as the frequency response fills it. */
@@ -80,23 +58,11 @@ protected:
         return block;
     }
 
-    /* Stores branch points through request 75, as the root locus sweep does. */
+    /* Stores branch points as the root locus sweep does. */
     static void storeBranch(PlotRecord *plot, int branch, const std::vector<double> &re, const std::vector<double> &im)
     {
-        for (int c = 0; c < 2; ++c) {
-            auto *buffer = (PlotPointBuffer *)tervanRequest(TERVAN_REQ_PLOT_BUFFER, (intptr_t)plot, branch * 256 + c);
-            ASSERT_NE(buffer, nullptr);
-            const std::vector<double> &v = c == 0 ? re : im;
-            for (size_t s = 0; s < v.size(); ++s) {
-                if (s >= buffer->capacity) {
-                    buffer->capacity += 128;
-                    buffer->values = (double *)grealloc(buffer->values, buffer->capacity * sizeof(double));
-                }
-                buffer->values[s] = v[s];
-                if (buffer->highestIndex < s)
-                    buffer->highestIndex = (uint32_t)s;
-            }
-        }
+        for (size_t s = 0; s < re.size(); ++s)
+            storeLocusPoint(plot, branch, (int32_t)s, {re[s], im[s]});
     }
 };
 

@@ -13,9 +13,6 @@
 
 namespace {
 
-using testing_support::RunResult;
-using testing_support::TempDir;
-
 constexpr double FRAME_LEFT = 80, FRAME_RIGHT = 610, FRAME_TOP = 50, FRAME_BOTTOM = 440;
 
 /* A diagram of one transfer function block, input and output at its ports. */
@@ -30,14 +27,10 @@ std::string loopDiagram(const std::string &num, const std::string &den)
 ** file it names. */
 void runPlot(const std::string &diagram, const std::string &command, const std::string &file, pugi::xml_document &doc)
 {
-    TempDir dir;
-    testing_support::writeFile(dir.file("loop.json"), diagram);
-    testing_support::writeFile(dir.file("run.txt"), command + "\n");
-    RunResult run = testing_support::runPraxa("--settings " + dir.file("tervan.ini") + " --out " + dir.path + " " +
-                                              dir.file("loop.json") + " --script " + dir.file("run.txt"));
-    ASSERT_EQ(run.status, 0) << run.err;
-    ASSERT_NE(run.out.find("[plot] " + file + "\n"), std::string::npos) << run.out;
-    ASSERT_TRUE(doc.load_string(testing_support::readFile(dir.file(file)).c_str()));
+    testing_support::TempDir dir;
+    testing_support::expectSession({command.c_str(), {{"loop.json", diagram}, {"run.txt", command + "\n"}},
+                                    "{dir}/loop.json --script {dir}/run.txt", 0, {"[plot] " + file}}, dir);
+    ASSERT_TRUE(doc.load_file(dir.file(file).c_str()));
 }
 
 struct Marker {
@@ -149,13 +142,10 @@ TEST(PlotMarks, LocusThatRunsFarOutIsFramedOnItsBreakInPoint)
     pugi::xml_document doc;
     runPlot(loopDiagram("[1, 20]", "[1, 1, 0]"), "rlocus-options --no-auto --start 0 --stop 10000 --steps 400\nrlocus",
             "Root-Locus.svg", doc);
-    std::vector<double> xTicks;
-    for (const std::string &t : texts(doc, "x-tick"))
-        xTicks.push_back(std::stod(t));
-    ASSERT_FALSE(xTicks.empty());
-    EXPECT_LE(*std::min_element(xTicks.begin(), xTicks.end()), -39.49);
-    EXPECT_GT(*std::min_element(xTicks.begin(), xTicks.end()), -200.0);
-    EXPECT_GE(*std::max_element(xTicks.begin(), xTicks.end()), 0.0);
+    auto [left, right] = tickRange(doc, "x-tick");
+    EXPECT_LE(left, -39.49);
+    EXPECT_GT(left, -200.0);
+    EXPECT_GE(right, 0.0);
     std::vector<Marker> closed = markers(doc, "closed-loop-pole");
     ASSERT_EQ(closed.size(), 2u);
     EXPECT_GT(std::fabs(closed[0].y - closed[1].y), 20.0);

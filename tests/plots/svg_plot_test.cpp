@@ -81,10 +81,8 @@ protected:
 std::vector<double> firstOrderMagnitude()
 {
     std::vector<double> values;
-    for (int i = 0; i < 50; ++i) {
-        double w = std::pow(10.0, -1.0 + i * 3.0 / 49.0);
-        values.push_back(1.0 / std::sqrt(1.0 + w * w));
-    }
+    for (int k = 1; k <= 50; ++k)
+        values.push_back(1.0 / std::sqrt(1.0 + testing_support::gridPoint(k) * testing_support::gridPoint(k)));
     return values;
 }
 

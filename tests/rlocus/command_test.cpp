@@ -10,36 +10,26 @@
 #include <vector>
 
 #include "host/host.h"
-#include "hostapp/diagram.h"
 #include "hostapp/plots.h"
 #include "platform/driver.h"
 #include "shell/plot_output.h"
 #include "shell/praxa.h"
 #include "shell/settings.h"
 #include "support.h"
+#include "support/plugin_plot.h"
 
 using namespace testing_support;
 
 namespace {
 
-class RootLocusCommand : public ::testing::Test {
+class RootLocusCommand : public PluginTest {
 protected:
-    TempDir dir;
-
     void SetUp() override
     {
-        hostapp::clearDiagram();
-        startHostWithPlugin(dir.file("tervan.ini"), dir.path);
-        std::string error;
-        ASSERT_TRUE(hostapp::loadDiagramFile(examplePath("servo.json"), error)) << error;
-        ASSERT_TRUE(hostapp::applyDiagramReferencePoints(error)) << error;
+        PluginTest::SetUp();
+        ASSERT_TRUE(loadExample("servo.json"));
         platform::clearTranscript();
-        rootLocusPlot = nullptr;        /* the host of an earlier test is gone */
-        reusePlots = 0;
-        rootLocusPlotCount = 0;
-        gainRange = {50, 0.0, 100.0};
     }
-    void TearDown() override { hostapp::clearDiagram(); }
 
     PlotRecord *lastPlot() const
     {
@@ -53,15 +43,11 @@ protected:
     {
         double re = 0.0, im = 0.0;
         for (int j = 0; j < 3; ++j)
-            for (int c = 0; c < 2; ++c) {
-                auto *b = (PlotPointBuffer *)tervanRequest(TERVAN_REQ_PLOT_BUFFER, (intptr_t)plot, j * 256 + c);
-                for (int s = from; s < steps; ++s) {
-                    double v = b->values[s];
-                    if (c == 1)
-                        im = std::max(im, std::fabs(v));
-                    else if (std::fabs(v) > std::fabs(re))
-                        re = v;
-                }
+            for (int s = from; s < steps; ++s) {
+                Complex p = branchPoints(plot, j).at(s);
+                im = std::max(im, std::fabs(p.im));
+                if (std::fabs(p.re) > std::fabs(re))
+                    re = p.re;
             }
         double extreme = im > std::fabs(re) ? im : re, m = std::ceil(std::fabs(extreme));
         EXPECT_GE(plot->xMin, -m);

@@ -78,10 +78,10 @@ TEST_F(GainRange, OneZeroIsReachedWhileTwoBranchesLeave)
             c[k] = denominator[k] + K * numerator[k];
         int outside = 0;
         bool onZero = false;
-        for (Complex r : lapackRoots(c)) {
-            if (std::fabs(r.re) > 4 || std::fabs(r.im) > 4)
+        for (cplx r : lapackRoots(c)) {
+            if (std::fabs(r.real()) > 4 || std::fabs(r.imag()) > 4)
                 ++outside;
-            else if (distance(r, {-2, 0}) < 0.04)
+            else if (std::abs(r + 2.0) < 0.04)
                 onZero = true;
         }
         return outside == 2 && onZero;

@@ -6,18 +6,15 @@
 #define PRAXA_TESTS_LOCUS_FIXTURE_H
 
 #include <gtest/gtest.h>
-#include <lapacke.h>
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "host/host.h"
-#include "support/plugin_plot.h"
 #include "hostapp/host_state.h"
-#include "support.h"
 #include "hostapp/plots.h"
 #include "linearize/linearize.h"
 #include "platform/driver.h"
@@ -25,47 +22,21 @@
 #include "rlocus/rlocus.h"
 #include "shell/plot_output.h"
 #include "shell/settings.h"
+#include "support.h"
+#include "support/lapack_reference.h"
+#include "support/plugin_plot.h"
+#include "tests/xfer/model.h"
 #include "xfer/xfer.h"
 
 namespace locustest {
 
-/* A rows x cols host matrix from values given row by row. */
-inline Matrix *hostMatrix(uint32_t rows, uint32_t cols, const std::vector<double> &rowMajor)
-{
-    Matrix *m = matDecl(rows, cols);
-    for (uint32_t i = 0; i < rows; ++i)
-        for (uint32_t j = 0; j < cols; ++j)
-            m->data[j * rows + i] = rowMajor.at(i * cols + j);
-    return m;
-}
-
-/* The roots of the ascending coefficients c (degree = size - 1, leading one nonzero) by
-** LAPACK's dgeev on the companion matrix, sorted by real part, then imaginary part. */
-inline std::vector<Complex> lapackRoots(const std::vector<double> &c)
-{
-    int n = (int)c.size() - 1;
-    std::vector<double> a((size_t)n * n, 0.0), wr(n), wi(n);
-    for (int i = 0; i + 1 < n; ++i)
-        a[(size_t)(i + 1) * n + i] = 1.0;
-    for (int j = 0; j < n; ++j)
-        a[(size_t)j * n + (n - 1)] = -c[j] / c[n];
-    lapack_int info = LAPACKE_dgeev(LAPACK_COL_MAJOR, 'N', 'N', n, a.data(), n, wr.data(), wi.data(), nullptr, 1,
-                                    nullptr, 1);
-    EXPECT_EQ(info, 0);
-    std::vector<Complex> roots;
-    for (int i = 0; i < n; ++i)
-        roots.push_back({wr[i], wi[i]});
-    std::sort(roots.begin(), roots.end(),
-              [](Complex a, Complex b) { return a.re != b.re ? a.re < b.re : a.im < b.im; });
-    return roots;
-}
+using namespace testing_support;
 
 inline double distance(Complex a, Complex b) { return std::hypot(a.re - b.re, a.im - b.im); }
 
-class LocusTest : public ::testing::Test {
+class LocusTest : public PluginTest {
 protected:
-    std::filesystem::path outputDir;
-    StateSpaceModel model{};
+    std::unique_ptr<xfertest::Model> loop;
     int32_t n = 0;
     double *num = nullptr;          /* monic N(s), ascending, n + 2 */
     double *den = nullptr;          /* monic D(s), ascending, n + 2 */
@@ -73,31 +44,16 @@ protected:
     HostBlock *block = nullptr;
     PlotRecord *plot = nullptr;
 
-    void SetUp() override
-    {
-        hostapp::resetHost();
-        platform::resetWindowing();
-        hostapp::host().mainWindow = platform::createMainWindow("Tervan");
-        outputDir = testing_support::useTestOutputDir();
-        rootLocusPlotCount = 0;
-        gainRange = {50, 0.0, 100.0};
-        optionsMemory.autoRange = 0;
-        testing_support::releasePluginRecords();
-    }
-
     void TearDown() override
     {
         stateSpaceModel = {};     /* the loop's matrices are the test's */
         releaseModel();
-        testing_support::releasePluginRecords();
-        hostapp::resetHost();
+        PluginTest::TearDown();
     }
 
     void releaseModel()
     {
-        for (Matrix *m : {model.A, model.B, model.C, model.D})
-            gfree(m);
-        model = {};
+        loop.reset();
         gfree(num);
         gfree(den);
         num = den = nullptr;
@@ -109,18 +65,10 @@ protected:
     void useLoop(const std::vector<double> &numerator, const std::vector<double> &denominator, double d = 0.0)
     {
         releaseModel();
-        n = (int32_t)denominator.size();
-        std::vector<double> a((size_t)n * n, 0.0), b(n, 0.0), c(n, 0.0);
-        for (int32_t i = 0; i + 1 < n; ++i)
-            a[(size_t)i * n + i + 1] = 1.0;
-        for (int32_t j = 0; j < n; ++j)
-            a[(size_t)(n - 1) * n + j] = -denominator[j];
-        b[n - 1] = 1.0;
-        for (size_t j = 0; j < numerator.size(); ++j)
-            c[j] = numerator[j];
-        model = {hostMatrix(n, n, a), hostMatrix(n, 1, b), hostMatrix(1, n, c), hostMatrix(1, 1, {d})};
-        stateSpaceModel = model;
-        stateToXferFunc(model.A, model.B, model.C, model.D, &num, &den, &gain);
+        loop.reset(xfertest::controllableForm(numerator, denominator, d));
+        n = loop->n;
+        stateSpaceModel = {loop->A, loop->B, loop->C, loop->D};
+        stateToXferFunc(loop->A, loop->B, loop->C, loop->D, &num, &den, &gain);
     }
 
     double run()
@@ -130,20 +78,7 @@ protected:
         return rootLocus(plot, num, den, n);
     }
 
-    PlotPointBuffer *buffer(int branch, int coordinate) const
-    {
-        return (PlotPointBuffer *)tervanRequest(TERVAN_REQ_PLOT_BUFFER, (intptr_t)plot, branch * 256 + coordinate);
-    }
-
-    /* The points a branch holds, steps 0 ... its highest index. */
-    std::vector<Complex> branch(int j) const
-    {
-        PlotPointBuffer *x = buffer(j, 0), *y = buffer(j, 1);
-        std::vector<Complex> points;
-        for (uint32_t s = 0; s <= x->highestIndex && s < x->capacity && x->values; ++s)
-            points.push_back({x->values[s], y->values[s]});
-        return points;
-    }
+    std::vector<Complex> branch(int j) const { return branchPoints(plot, j); }
 
     std::vector<double> gains() const
     {
@@ -159,26 +94,16 @@ protected:
         return c;
     }
 
-    /* Step s of every branch matches LAPACK's roots at that step's gain, one to one. */
+    /* Step s of the branches matches LAPACK's roots at that step's gain, one to one. */
     void expectStepMatchesLapack(int s, double tolerance)
     {
-        std::vector<Complex> reference = lapackRoots(closedLoop(gains()[s]));
-        std::vector<bool> used(reference.size(), false);
-        for (int j = 0; j < n; ++j) {
-            Complex p = branch(j).at(s);
-            int nearest = -1;
-            for (size_t k = 0; k < reference.size(); ++k)
-                if (!used[k] && (nearest < 0 || distance(p, reference[k]) < distance(p, reference[nearest])))
-                    nearest = (int)k;
-            ASSERT_GE(nearest, 0);
-            used[nearest] = true;
-            EXPECT_LT(distance(p, reference[nearest]), tolerance)
-                << "step " << s << " branch " << j << " at K = " << gains()[s] << ": (" << p.re << ", " << p.im
-                << ") against (" << reference[nearest].re << ", " << reference[nearest].im << ")";
-        }
+        std::vector<cplx> ours;
+        for (int j = 0; j < n; ++j)
+            ours.push_back({branch(j).at(s).re, branch(j).at(s).im});
+        std::vector<double> distances = matchDistances(ours, lapackRoots(closedLoop(gains()[s])));
+        for (size_t k = 0; k < distances.size(); ++k)
+            EXPECT_LT(distances[k], tolerance) << "step " << s << " at K = " << gains()[s] << ", root " << k;
     }
-
-    std::string transcript() const { return platform::transcriptText(); }
 };
 
 }

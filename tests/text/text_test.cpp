@@ -21,12 +21,9 @@
 
 namespace {
 
-/* Sets the display precision for the lifetime of the object. */
-struct PrecisionScope {
-    int saved = displayPrecision;
-    explicit PrecisionScope(int digits) { displayPrecision = digits; }
-    ~PrecisionScope() { displayPrecision = saved; }
-};
+/* Each test on a fresh host with the plug-in, the display precision back at six. */
+using NumberToText = testing_support::PluginTest;
+using ComplexToText = testing_support::PluginTest;
 
 /* Message boxes are transcript entries "[caption] text"; their texts, in order. */
 std::vector<std::string> messageBoxTexts()
@@ -40,7 +37,7 @@ std::vector<std::string> messageBoxTexts()
     return texts;
 }
 
-TEST(NumberToText, TableOfPrecisions)
+TEST_F(NumberToText, TableOfPrecisions)
 {
     const struct { int digits; double value; const char *text; } table[] = {
         {6, 0.1, ".1"},             /* leading 0 removed */
@@ -67,15 +64,15 @@ TEST(NumberToText, TableOfPrecisions)
         {15, -123456.789, "-123456.789"},
     };
     for (const auto &row : table) {
-        PrecisionScope precision(row.digits);
+        displayPrecision = row.digits;
         EXPECT_EQ(std::string(numberToText(row.value)), row.text) << row.value << " at " << row.digits;
     }
 }
 
-TEST(NumberToText, AbsurdPrecisionsGiveSaneTextsInTheBuffers)
+TEST_F(NumberToText, AbsurdPrecisionsGiveSaneTextsInTheBuffers)
 {
     for (int digits : {0, -1, -2147483647 - 1, 51, 500, 2147483647}) {
-        PrecisionScope precision(digits);
+        displayPrecision = digits;
         for (double value : {-1.0 / 3.0, 1e300, -4.9406564584124654e-324, 100.0, 0.0}) {
             const char *text = numberToText(value);
             size_t length = std::strlen(text);
@@ -86,7 +83,7 @@ TEST(NumberToText, AbsurdPrecisionsGiveSaneTextsInTheBuffers)
         }
     }
     /* The complex buffer holds the two longest parts. */
-    PrecisionScope precision(500);
+    displayPrecision = 500;
     Complex z{-1.0 / 3.0, -2.0 / 3.0 * 1e-300};
     std::string text = complexToText(&z);
     EXPECT_LT(text.size(), 128u);
@@ -96,30 +93,24 @@ TEST(NumberToText, AbsurdPrecisionsGiveSaneTextsInTheBuffers)
 }
 
 /* Both parts share numberToText's buffer: the real part's text must be taken first. */
-TEST(ComplexToText, PairInParentheses)
+TEST_F(ComplexToText, PairInParentheses)
 {
-    PrecisionScope precision(6);
     Complex z{-1.0, 0.5}, pole{-0.70710678118654757, 0.70710678118654757};
     EXPECT_STREQ(complexToText(&z), "(-1,.5)");
     EXPECT_STREQ(complexToText(&pole), "(-.707107,.707107)");
 }
 
-class MatrixText : public ::testing::Test {
+class MatrixText : public testing_support::PluginTest {
 protected:
-    PrecisionScope precision{6};
-    testing_support::TempDir dir;   /* one per test: ctest runs test binaries in parallel */
-    int16_t savedChoice = linOutputChoice;
     void SetUp() override
     {
-        platform::clearTranscript();
+        PluginTest::SetUp();
         linOutputChoice = LIN_OUTPUT_SCREEN;
     }
-    void TearDown() override { linOutputChoice = savedChoice; }
 
-    /* Runs print in file mode into a fresh file and returns the file's text. */
+    /* Runs print in file mode into a fresh file in the test's folder and returns its text. */
     template <typename Print> std::string inFile(Print print)
     {
-        hostapp::host().outputDir = dir.path;
         linOutputChoice = LIN_OUTPUT_FILE;
         EXPECT_NE(fileOpen("matrix_text.m", FILE_OPEN_WRITE_CREATE_TRUNC), 0);
         print();
@@ -154,9 +145,7 @@ TEST_F(MatrixText, ShapesAndNamesOnScreenAndInTheFile)
         {"b = ", 3, 1, {-0.5, 0, 1e10}, "b = [-.5 ;\n    0 ;\n    1e+010 ];\n"},
     };
     for (const auto &row : rows) {
-        Matrix *m = row.rows < 0 ? nullptr : matDecl((uint32_t)row.rows, row.cols);
-        for (size_t k = 0; k < row.values.size(); k++)
-            m->data[row.cols ? (k % row.cols) * row.rows + k / row.cols : k] = row.values[k];
+        Matrix *m = row.rows < 0 ? nullptr : testing_support::matrixFromRows(row.rows, row.cols, row.values);
         platform::clearTranscript();
         printMatrix(row.name, m);
         EXPECT_EQ(messageBoxTexts(), std::vector<std::string>{row.text});
@@ -169,7 +158,7 @@ TEST_F(MatrixText, ShapesAndNamesOnScreenAndInTheFile)
 TEST_F(MatrixText, ScreenTextLargerThanTheBufferIsSplitAtLineEnds)
 {
     /* 40 x 40 of 12-character numbers: about 21000 bytes, several message boxes. */
-    PrecisionScope longDigits(12);
+    displayPrecision = 12;
     const uint32_t n = 40;
     Matrix *m = matDecl(n, n);
     for (uint32_t k = 0; k < n * n; k++)

@@ -18,30 +18,12 @@
 #include "hostapp/host_state.h"
 #include "platform/driver.h"
 #include "numeric/matrix.h"
+#include "support.h"
+#include "support/lapack_reference.h"
 
 namespace xfertest {
 
-/* Each test on a fresh host and windowing. */
-class FreshHostTest : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        platform::resetWindowing();
-        hostapp::resetHost();
-    }
-};
-
-/* A rows x cols matrix filled from values given row by row. */
-inline Matrix *matrixFromRows(uint32_t rows, uint32_t cols, const std::vector<double> &rowMajor)
-{
-    Matrix *m = (Matrix *)galloc(matrixBytes(rows, cols));
-    m->rows = rows;
-    m->cols = cols;
-    for (uint32_t i = 0; i < rows; i++)
-        for (uint32_t j = 0; j < cols; j++)
-            m->data[j * rows + i] = rowMajor.at(i * cols + j);
-    return m;
-}
+using testing_support::matrixFromRows;
 
 inline double element(const Matrix *m, uint32_t i, uint32_t j) { return m->data[j * m->rows + i]; }
 
@@ -79,10 +61,7 @@ inline std::complex<double> responseBySolve(const Model &m, std::complex<double>
 /* A random orthogonal n x n matrix (row-major): the Q of a Gaussian matrix's QR. */
 inline std::vector<double> randomOrthogonal(std::mt19937_64 &rng, int n)
 {
-    std::normal_distribution<double> gauss;
-    std::vector<double> q((size_t)n * n), tau(n);
-    for (double &v : q)
-        v = gauss(rng);
+    std::vector<double> q = testing_support::randomMatrix(rng, n, n), tau(n);
     EXPECT_EQ(LAPACKE_dgeqrf(LAPACK_ROW_MAJOR, n, n, q.data(), n, tau.data()), 0);
     EXPECT_EQ(LAPACKE_dorgqr(LAPACK_ROW_MAJOR, n, n, n, q.data(), n, tau.data()), 0);
     return q;
@@ -96,7 +75,7 @@ inline Model *realization(std::mt19937_64 &rng, int n, int r, double cScale, boo
 {
     std::normal_distribution<double> gauss;
     std::uniform_real_distribution<double> decay(0.2, 5.0), frequency(0.3, 4.0);
-    std::vector<double> a0((size_t)n * n, 0.0), b0(n), c0(n);
+    std::vector<double> a0((size_t)n * n, 0.0);
     for (int i = 0; i < n;) {
         if (i + 1 < n && gauss(rng) > 0.0) {
             double sigma = (unstable ? 1 : -1) * decay(rng), omega = frequency(rng);
@@ -109,10 +88,7 @@ inline Model *realization(std::mt19937_64 &rng, int n, int r, double cScale, boo
             i++;
         }
     }
-    for (double &v : b0)
-        v = gauss(rng);
-    for (double &v : c0)
-        v = gauss(rng);
+    std::vector<double> b0 = testing_support::randomMatrix(rng, n, 1), c0 = testing_support::randomMatrix(rng, n, 1);
     /* Orthonormal basis of the Krylov vectors, then c0 minus its projection on it. */
     std::vector<std::vector<double>> basis;
     std::vector<double> v = b0;
@@ -161,9 +137,9 @@ inline Model *realization(std::mt19937_64 &rng, int n, int r, double cScale, boo
     return new Model(n, a, b, c, d);
 }
 
-/* Controllable canonical form of N(s)/D(s): den = (d0, ..., d_{n-1}) of the monic
+/* Controllable canonical form of N(s)/D(s) + d: den = (d0, ..., d_{n-1}) of the monic
 ** denominator, num = (n0, ..., n_{n-1}) with deg N < n; ascending powers. */
-inline Model *controllableForm(const std::vector<double> &num, const std::vector<double> &den)
+inline Model *controllableForm(const std::vector<double> &num, const std::vector<double> &den, double d = 0.0)
 {
     int32_t n = (int32_t)den.size();
     std::vector<double> a(n * n, 0.0), b(n, 0.0), c(n, 0.0);
@@ -174,7 +150,7 @@ inline Model *controllableForm(const std::vector<double> &num, const std::vector
     b[n - 1] = 1.0;
     for (size_t j = 0; j < num.size(); j++)
         c[j] = num[j];
-    return new Model(n, a, b, c, 0.0);
+    return new Model(n, a, b, c, d);
 }
 
 }

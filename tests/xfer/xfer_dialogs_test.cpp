@@ -21,10 +21,12 @@ using platform::DialogAction;
 
 namespace {
 
+using XferDialogs = testing_support::PluginTest;
+
 /* d = 1, A = -2: one zero at -(2 + c), so N(s) = s + v exactly for c = v - 2. */
 Model *numeratorConstant(double v) { return new Model(1, {-2}, {1}, {v - 2.0}, 1.0); }
 
-TEST(XferDialogs, ModelsShowTheirGainRowsAndRoots)
+TEST_F(XferDialogs, ModelsShowTheirGainRowsAndRoots)
 {
     struct Row {
         const char *name;
@@ -73,10 +75,8 @@ TEST(XferDialogs, ModelsShowTheirGainRowsAndRoots)
         {"nor with the compensator's", new Model(1, {-1}, {1}, {2}, 0.0), XFER_SHOW_COMPENSATOR, {}, {},
          "[dialog] Transfer Function"},
     };
-    testing_support::TempDir dir;
     for (const Row &row : rows) {
         std::unique_ptr<Model> m(row.model);
-        testing_support::startHostWithPlugin(dir.file("praxa.ini"), dir.path);
         platform::clearTranscript();
         for (const DialogAction &action : row.actions)
             platform::queueDialogAction(action);
@@ -93,17 +93,14 @@ TEST(XferDialogs, ModelsShowTheirGainRowsAndRoots)
 }
 
 /* The lists as the root lists hold them, whatever their order. */
-TEST(XferDialogs, ZerosAndPolesKeepTheRootListsOrder)
+TEST_F(XferDialogs, ZerosAndPolesKeepTheRootListsOrder)
 {
-    testing_support::TempDir dir;
-    testing_support::startHostWithPlugin(dir.file("praxa.ini"), dir.path);
     Complex zeros[] = {{3, 0}, {-0.5, 0}};
     Complex poles[] = {{0, 0}, {-1, -2}, {-1, 2}, {-7.25, 0}};
     currentXfer.zeros = zeros;
     currentXfer.poles = poles;
     currentXfer.zeroCount = 2;
     currentXfer.poleCount = 4;
-    platform::clearTranscript();
     EXPECT_EQ(runDialog("POLEZERO_BOX", poleZeroDlg), 1);
     currentXfer.zeros = currentXfer.poles = nullptr;
     EXPECT_TRUE(testing_support::hasLinesInOrder(platform::transcriptText(),

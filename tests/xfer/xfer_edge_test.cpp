@@ -19,7 +19,7 @@ using namespace xfertest;
 
 namespace {
 
-using XferEdge = FreshHostTest;
+using XferEdge = testing_support::PluginTest;
 
 const double ROOT3_2 = std::sqrt(3.0) / 2;
 

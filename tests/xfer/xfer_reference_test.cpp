@@ -18,12 +18,12 @@
 #include <vector>
 
 #include "numeric/eigen.h"
-#include "tests/numeric/numeric_support.h"
+#include "support/lapack_reference.h"
 #include "tests/xfer/model.h"
 #include "xfer/xfer.h"
 
 using namespace xfertest;
-using namespace testing_numeric;
+using namespace testing_support;
 
 namespace {
 
@@ -106,10 +106,7 @@ Roots expectTransferFunction(const Model &m, int zeroCount, const std::vector<cp
     roots.poles.resize(n);
     std::vector<Complex> eigen(n);
     eigenValues(eigen.data(), m.A, n);
-    for (int i = 0; i < n; i++) {
-        EXPECT_EQ(roots.poles[i].re, eigen[i].re) << i;
-        EXPECT_EQ(roots.poles[i].im, eigen[i].im) << i;
-    }
+    EXPECT_EQ(roots.poles, eigen);
     for (cplx s : points) {
         cplx reference = responseBySolve(m, s), factored = gain;
         for (const Complex &z : roots.zeros)
@@ -138,20 +135,14 @@ Model *randomModel(std::mt19937_64 &rng, int n, bool stable, bool feedThrough, b
     double d = feedThrough ? gauss(rng) : 0.0;
     if (!dense)
         return realization(rng, n, 1, 1.0, !stable, d);
-    std::vector<double> a(n * n), b(n), c(n);
-    for (double &x : a)
-        x = gauss(rng);
+    std::vector<double> a = randomMatrix(rng, n, n), b = randomMatrix(rng, n, 1), c = randomMatrix(rng, n, 1);
     double shift = std::sqrt((double)n) + 0.5;
     for (int i = 0; i < n; i++)
         a[i * n + i] += stable ? -shift : shift;
-    for (double &x : b)
-        x = gauss(rng);
-    for (double &x : c)
-        x = gauss(rng);
     return new Model(n, a, b, c, d);
 }
 
-using XferReference = FreshHostTest;
+using XferReference = testing_support::PluginTest;
 
 }
 
