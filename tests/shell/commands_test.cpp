@@ -19,26 +19,17 @@ using namespace testing_support;
 
 namespace {
 
-class Commands : public ::testing::Test {
+class Commands : public PluginTest {
 protected:
-    TempDir dir;
     std::string settings = dir.file("tervan.ini");
 
+    /* The example loaded on the host started again on `settingsText`. */
     void start(const std::string &example, const std::string &settingsText = "")
     {
         writeFile(settings, settingsText);
-        reusePlots = 0;
-        frequencyUnit.selected = FREQUENCY_UNIT_RADIANS;
         startHostWithPlugin(settings, dir.path);
-        std::string error;
-        ASSERT_TRUE(hostapp::loadDiagramFile(examplePath(example), error)) << error;
-        ASSERT_TRUE(hostapp::applyDiagramReferencePoints(error)) << error;
+        ASSERT_TRUE(loadExample(example));
         platform::clearTranscript();
-    }
-    void TearDown() override
-    {
-        bodePhasePlot = bodeMagnitudePlot = nyquistPlot = rootLocusPlot = nullptr;
-        hostapp::resetHost();
     }
 };
 
