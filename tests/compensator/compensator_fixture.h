@@ -23,7 +23,7 @@
 #include "shell/settings.h"
 #include "support.h"
 #include "support/plugin_plot.h"
-#include "tests/xfer/model.h"
+#include "support/model.h"
 #include "xfer/xfer.h"
 
 namespace comptest {

@@ -25,7 +25,7 @@
 #include "support.h"
 #include "support/lapack_reference.h"
 #include "support/plugin_plot.h"
-#include "tests/xfer/model.h"
+#include "support/model.h"
 #include "xfer/xfer.h"
 
 namespace locustest {

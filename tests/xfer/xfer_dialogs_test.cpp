@@ -12,7 +12,7 @@
 #include "platform/driver.h"
 #include "shell/praxa.h"
 #include "support.h"
-#include "tests/xfer/model.h"
+#include "support/model.h"
 #include "xfer/xfer.h"
 
 using namespace testing_support;
