@@ -23,6 +23,12 @@ namespace {
 TEST(SettingsSessions, DialogsShowAndWriteTheSettings)
 {
     const char *const ini = "tervan.ini", *const script = "--script {dir}/session.txt";
+    /* Files that the sessions leave as they were. */
+    const char *const ranges = "[tervan]\nfreqStart=0.5\nfreqStop=50\nfreqSteps=40\n",
+                      *const handEdited = "[tervan]\nfreqStart=2\nfreqStop=2000\nfreqSteps=300\nrlocStart=1.5\n"
+                                          "rlocStop=7\nrlocSteps=9\nrlocAutoRange=0\n",
+                      *const units = "[tervan]\nprxReusePlots=1\nuseNegativeFrequenciesInNyquistPlot=1\n"
+                                     "freqUnits=210\nphaseUnits=213\nmagUnits=215\n";
     const Session rows[] = {
         /* The first range dialog shows its initial memory; OK writes both ranges, at the
         ** display precision. */
@@ -48,21 +54,16 @@ TEST(SettingsSessions, DialogsShowAndWriteTheSettings)
         /* A refused entry is stored before the check: the next dialog shows it, the file
         ** does not get it. */
         {"start must be less than stop",
-         {{ini, "[tervan]\nfreqStart=0.5\nfreqStop=50\nfreqSteps=40\n"},
-          {"session.txt", "frequency-range --start 5 --stop 5\nfrequency-range --cancel\n"}},
+         {{ini, ranges}, {"session.txt", "frequency-range --start 5 --stop 5\nfrequency-range --cancel\n"}},
          script, 1,
          {"[Tervan] Start must be less than Stop", "[refused] Bode Frequency Range", "[end] Bode Frequency Range: 2",
           "[dialog] Bode Frequency Range", "  edit 102 \"5\"", "  edit 103 \"5\"", "  edit 104 \"102\""},
-         nullptr, {{ini, "[tervan]\nfreqStart=0.5\nfreqStop=50\nfreqSteps=40\n"}}},
+         nullptr, {{ini, ranges}}},
         /* Every range key is read at the start (the auto range against its default, on): the
         ** gain range dialog shows the root locus keys and writes back the frequency keys it read. */
-        {"hand-edited range keys",
-         {{ini, "[tervan]\nfreqStart=2\nfreqStop=2000\nfreqSteps=300\nrlocStart=1.5\nrlocStop=7\nrlocSteps=9\n"
-                "rlocAutoRange=0\n"}},
-         "rlocus-options", 0,
+        {"hand-edited range keys", {{ini, handEdited}}, "rlocus-options", 0,
          {"  edit 102 \"1.5\"", "  edit 103 \"7\"", "  edit 104 \"9\"", "  checkbox 1029 \"Auto Range\" [ ]"}, nullptr,
-         {{ini, "[tervan]\nfreqStart=2\nfreqStop=2000\nfreqSteps=300\nrlocStart=1.5\nrlocStop=7\nrlocSteps=9\n"
-                "rlocAutoRange=0\n"}}},
+         {{ini, handEdited}}},
         {"empty and missing keys leave the values alone", {{ini, "[tervan]\nfreqStart=\nfreqStop=900\n"}},
          "rlocus-options", 0, {"  edit 102 \"103\"", "  checkbox 1029 \"Auto Range\" [x]"}, nullptr,
          {{ini, "[tervan]\nfreqStart=.1\nfreqStop=900\nrlocSteps=102\nrlocAutoRange=1\nrlocStart=103\nrlocStop=104\n"
@@ -74,16 +75,11 @@ TEST(SettingsSessions, DialogsShowAndWriteTheSettings)
           "  edit 200 \"1e-055\"", "  edit 201 \"1e-060\"", "[end] Praxa Preferences: 2"},
          nullptr, {{ini, nullptr}}},
         /* OK writes back what was read, the reuse flag too: the file stays as it was. */
-        {"unit keys and flags are read at the start",
-         {{ini, "[tervan]\nprxReusePlots=1\nuseNegativeFrequenciesInNyquistPlot=1\nfreqUnits=210\nphaseUnits=213\n"
-                "magUnits=215\n"}},
-         "preferences", 0,
+        {"unit keys and flags are read at the start", {{ini, units}}, "preferences", 0,
          {"  checkbox 1035 \"Negative Frequencies in Nyquist Plot\" [x]", "  radio 211 \"Radians/Second\" [ ]",
           "  radio 210 \"Hertz\" [x]", "  radio 213 \"Radians\" [x]", "  radio 212 \"Degrees\" [ ]",
           "  radio 216 \"Log 10\" [ ]", "  radio 215 \"Decibels\" [x]"},
-         nullptr,
-         {{ini, "[tervan]\nprxReusePlots=1\nuseNegativeFrequenciesInNyquistPlot=1\nfreqUnits=210\nphaseUnits=213\n"
-                "magUnits=215\n"}}},
+         nullptr, {{ini, units}}},
         /* Precision and thresholds live in memory only: the second look shows them. */
         {"preferences OK writes the unit keys",
          {{"session.txt", "preferences\n  check 210\n  check 213\n  check 215\n  check 1035\n  type 203 3\n"
