@@ -14,6 +14,7 @@
 #include "shell/settings.h"
 #include "shell/text.h"
 #include "support.h"
+#include "support/plugin_plot.h"
 
 using namespace testing_support;
 
@@ -79,15 +80,9 @@ TEST_F(Commands, NyquistOfASampledModelInHertzStopsAtOneHertzInMemoryOnly)
 TEST(RootLocusBounds, RadiusTwoPointThreeClampsEveryBoundBeyondThree)
 {
     PlotRecord plot{};
-    plot.xMin = -7.5;
-    plot.xMax = 2.9;
-    plot.yMin = -3.2;
-    plot.yMax = 3.01;
+    std::tie(plot.xMin, plot.xMax, plot.yMin, plot.yMax) = std::tuple(-7.5, 2.9, -3.2, 3.01);
     clampPlotToRadius(&plot, 2.3);
-    EXPECT_EQ(plot.xMin, -3.0);
-    EXPECT_EQ(plot.xMax, 2.9);
-    EXPECT_EQ(plot.yMin, -3.0);
-    EXPECT_EQ(plot.yMax, 3.0);
+    EXPECT_EQ(boundsOf(&plot), (std::vector<double>{-3.0, 2.9, -3.0, 3.0}));
     plot.xMax = 12;
     clampPlotToRadius(&plot, -4.0);
     EXPECT_EQ(plot.xMax, 4.0);
