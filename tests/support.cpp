@@ -160,6 +160,24 @@ std::string shownControl(const std::string &caption, const std::string &kind, in
     return "<no control>";
 }
 
+platform::DialogAction typed(int control, const std::string &text, const std::string &dialog)
+{
+    return {dialog, platform::ActionKind::Type, control, text, 0};
+}
+
+platform::DialogAction press(int control, const std::string &dialog)
+{
+    return {dialog, platform::ActionKind::Click, control, "", 0};
+}
+
+platform::DialogAction escape(const std::string &dialog) { return {dialog, platform::ActionKind::Cancel, 0, "", 0}; }
+
+void queueActions(const std::vector<platform::DialogAction> &actions)
+{
+    for (const platform::DialogAction &action : actions)
+        platform::queueDialogAction(action);
+}
+
 static std::string inFolder(const TempDir &dir, std::string text)
 {
     for (size_t at; (at = text.find("{dir}")) != std::string::npos;)

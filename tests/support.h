@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "host/host.h"
+#include "platform/driver.h"
 
 /* Complex numbers compare part for part (so EXPECT_EQ takes them, and vectors of them) and
 ** print as (re,im). */
@@ -116,6 +117,13 @@ int transcriptCount(const std::string &text);
 ** dialog of the transcript with this caption, such as `  edit 1023 "1"`; "<no dialog>" or
 ** "<no control>" where there is none. */
 std::string shownControl(const std::string &caption, const std::string &kind, int id, int occurrence = 0);
+
+/* What the scripted user does in a dialog (`dialog`: its template or title; empty: the
+** next one), and the actions queued in order. */
+platform::DialogAction typed(int control, const std::string &text, const std::string &dialog = "");
+platform::DialogAction press(int control, const std::string &dialog = "");
+platform::DialogAction escape(const std::string &dialog = "");
+void queueActions(const std::vector<platform::DialogAction> &actions);
 
 std::string readFile(const std::string &path);
 void writeFile(const std::string &path, const std::string &text);

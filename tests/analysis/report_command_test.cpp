@@ -15,8 +15,7 @@ using namespace testing_support;
 TEST(ReportCommand, ServoAsJson)
 {
     TempDir dir;
-    RunResult run = runPraxa("--settings " + dir.file("tervan.ini") + " --out " + dir.path + " " +
-                             examplePath("servo.json") + " report --json");
+    RunResult run = runPraxaIn(dir, "{examples}servo.json report --json");
     ASSERT_EQ(run.status, 0) << run.err;
     nlohmann::json report = nlohmann::json::parse(run.out);
     /* The keys of the object at a pointer, in order (nlohmann keeps objects sorted). */

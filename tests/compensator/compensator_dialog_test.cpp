@@ -13,20 +13,19 @@ namespace {
 
 using Entries = std::vector<std::string>;
 
-DialogAction zeroText(const std::string &text) { return {DIALOG, ActionKind::Type, IDC_COMP_ZERO_EDIT, text, 0}; }
-DialogAction poleText(const std::string &text) { return {DIALOG, ActionKind::Type, IDC_COMP_POLE_EDIT, text, 0}; }
-DialogAction press(int control) { return {DIALOG, ActionKind::Click, control, "", 0}; }
-DialogAction pick(int list, int index) { return {DIALOG, ActionKind::Select, list, "", index}; }
-const DialogAction ADD = press(IDC_COMP_ADD);
+DialogAction zeroText(const std::string &text) { return typed(IDC_COMP_ZERO_EDIT, text, DIALOG); }
+DialogAction poleText(const std::string &text) { return typed(IDC_COMP_POLE_EDIT, text, DIALOG); }
+DialogAction pick(int list, int index) { return {DIALOG, platform::ActionKind::Select, list, "", index}; }
+const DialogAction ADD = press(IDC_COMP_ADD, DIALOG), CHANGE = press(IDC_COMP_CHANGE, DIALOG),
+                   DEL = press(IDC_COMP_DEL, DIALOG);
 
 }
 
 TEST_F(CompensatorTest, FirstUseOkAndTheResetEvent)
 {
     design();
-    EXPECT_EQ(shownControl("Compensator Design", "edit", IDC_COMP_GAIN), "  edit 1023 \"1\"");
-    EXPECT_EQ(shownControl("Compensator Design", "listbox", IDC_COMP_ZEROS), "  listbox 107:");
-    EXPECT_EQ(shownControl("Compensator Design", "listbox", IDC_COMP_POLES), "  listbox 108:");
+    const std::string firstUse = "  edit 1023 \"1\"\n  listbox 107:\n  listbox 108:\n";
+    EXPECT_EQ(shownDesign(), firstUse);
     EXPECT_EQ(shownControl("Compensator Design", "listbox", IDC_COMP_PLANT),
               "  listbox 1022: \"\t(0,0)\" | \"\t(-1,0)\"");
     /* Unscripted, Enter presses Replot, which does not end the dialog: it is cancelled. */
@@ -58,9 +57,7 @@ TEST_F(CompensatorTest, FirstUseOkAndTheResetEvent)
     EXPECT_EQ(currentCompensator.poles, poles);
     platform::clearTranscript();
     design();
-    EXPECT_EQ(shownControl("Compensator Design", "edit", IDC_COMP_GAIN), "  edit 1023 \"1\"");
-    EXPECT_EQ(shownControl("Compensator Design", "listbox", IDC_COMP_ZEROS), "  listbox 107:");
-    EXPECT_EQ(shownControl("Compensator Design", "listbox", IDC_COMP_POLES), "  listbox 108:");
+    EXPECT_EQ(shownDesign(), firstUse);
 }
 
 /* Editing the lists, as the dialog holds them when OK is pressed, and as the record reads them. */
@@ -85,11 +82,11 @@ TEST_F(CompensatorTest, ListEditingAsTheDialogHoldsItAtOk)
          IDC_COMP_POLES, IDC_COMP_POLE_EDIT},
         /* Change keeps the typed text, which is still read as a root. */
         {"change",
-         {zeroText("-5"), ADD, zeroText("-7"), ADD, pick(IDC_COMP_ZEROS, 0), zeroText("-2, 1"), press(IDC_COMP_CHANGE)},
+         {zeroText("-5"), ADD, zeroText("-7"), ADD, pick(IDC_COMP_ZEROS, 0), zeroText("-2, 1"), CHANGE},
          {"-2, 1", "(-7,0)"}, {}, 0, -1, {{-2, 1}, {-7, 0}}, 1.0, IDC_COMP_ZEROS, IDC_COMP_ZERO_EDIT},
         /* Del removes the selected entry; the one after it takes its place and the selection. */
         {"delete",
-         {zeroText("-5"), ADD, zeroText("-7"), ADD, zeroText("-9"), ADD, pick(IDC_COMP_ZEROS, 1), press(IDC_COMP_DEL)},
+         {zeroText("-5"), ADD, zeroText("-7"), ADD, zeroText("-9"), ADD, pick(IDC_COMP_ZEROS, 1), DEL},
          {"(-5,0)", "(-9,0)"}, {}, 1, -1, {{-5, 0}, {-9, 0}}, 1.0, IDC_COMP_ZEROS, IDC_COMP_ZERO_EDIT},
         /* Selecting an entry copies it into the paired edit and makes its list current; an
         ** empty text reads as 0. */
@@ -98,13 +95,12 @@ TEST_F(CompensatorTest, ListEditingAsTheDialogHoldsItAtOk)
          {}, {"(-3,0)", "(-3,0)"}, -1, 1, {}, 1.0, IDC_COMP_POLES, IDC_COMP_POLE_EDIT},
         /* Long texts are cut to the work buffers: 2e100 to 63 characters, 2e62. */
         {"long texts",
-         {{DIALOG, ActionKind::Type, IDC_COMP_GAIN, "2" + std::string(100, '0'), 0}, zeroText("-1"), ADD,
-          pick(IDC_COMP_ZEROS, 0), zeroText(longRoot), press(IDC_COMP_CHANGE)},
+         {typed(IDC_COMP_GAIN, "2" + std::string(100, '0'), DIALOG), zeroText("-1"), ADD,
+          pick(IDC_COMP_ZEROS, 0), zeroText(longRoot), CHANGE},
          {longRoot.substr(0, 4095)}, {}, 0, -1, {{-3, INFINITY}}, 2e62, IDC_COMP_ZEROS, IDC_COMP_ZERO_EDIT},
     };
     for (const Row &row : rows) {
-        for (const DialogAction &action : row.actions)
-            platform::queueDialogAction(action);
+        queueActions(row.actions);
         click(IDOK);
         EXPECT_EQ(designSpied(), IDOK) << row.name;
         EXPECT_EQ(platform::scriptErrorCount(), 0) << row.name;

@@ -23,23 +23,28 @@
 #include "shell/settings.h"
 #include "support.h"
 #include "support/plugin_plot.h"
-#include "tests/xfer/model.h"
+#include "support/model.h"
 #include "xfer/xfer.h"
 
 namespace comptest {
 
 using namespace testing_support;
 
-using platform::ActionKind;
 using platform::DialogAction;
 
 inline const char *const DIALOG = "COMPENSATORDESIGN";
 
-inline void type(int control, const std::string &text)
+inline void type(int control, const std::string &text) { platform::queueDialogAction(typed(control, text, DIALOG)); }
+inline void click(int control) { platform::queueDialogAction(press(control, DIALOG)); }
+
+/* The gain edit and the two lists, one a line, as the first dialog in the transcript showed them. */
+inline std::string shownDesign()
 {
-    platform::queueDialogAction(DialogAction{DIALOG, ActionKind::Type, control, text, 0});
+    std::string shown;
+    for (auto [kind, id] : {std::pair{"edit", IDC_COMP_GAIN}, {"listbox", IDC_COMP_ZEROS}, {"listbox", IDC_COMP_POLES}})
+        shown += shownControl("Compensator Design", kind, id) + "\n";
+    return shown;
 }
-inline void click(int control) { platform::queueDialogAction(DialogAction{DIALOG, ActionKind::Click, control, "", 0}); }
 
 /* Each root typed into `edit` and added to its list. */
 inline void queueRoots(int edit, const std::vector<std::string> &roots)

@@ -16,10 +16,8 @@ std::string refusal(const std::string &text)
     return error;
 }
 
-class DiagramFile : public ::testing::Test {
-protected:
-    void TearDown() override { hostapp::clearDiagram(); }
-};
+/* PluginTest's host reset clears the diagram after each test. */
+using DiagramFile = testing_support::PluginTest;
 
 /* A bad file is refused with a message naming the block, wire or entry and its line. */
 TEST_F(DiagramFile, BadFilesAreRefusedNamingWhatAndWhere)

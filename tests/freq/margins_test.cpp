@@ -11,8 +11,6 @@
 #include "freq/margins.h"
 
 using namespace freqtest;
-using platform::ActionKind;
-using platform::DialogAction;
 
 namespace {
 
@@ -120,9 +118,7 @@ TEST_F(Margins, StepLandingExactlyOnALevelAtTheLastPointIsACrossing)
 
 TEST_F(Margins, DialogShowsFourDisabledFieldsAndBothButtonsCloseIt)
 {
-    platform::queueDialogAction(DialogAction{"PRX_MARGINS", ActionKind::Click, 9, "", 0});
-    platform::queueDialogAction(DialogAction{"PRX_MARGINS", ActionKind::Type, IDC_MARGIN_GAIN, "5", 0});
-    platform::queueDialogAction(DialogAction{"PRX_MARGINS", ActionKind::Click, IDCANCEL, "", 0});
+    queueActions({press(9, "PRX_MARGINS"), typed(IDC_MARGIN_GAIN, "5", "PRX_MARGINS"), press(IDCANCEL, "PRX_MARGINS")});
     bode(2.0, {}, {{-1, 0}, {-1, 0}, {-1, 0}});
     std::string text = platform::transcriptText();
     const char *expected = "[dialog] Phase and Gain Margins\n"

@@ -15,18 +15,8 @@
 #include "platform/driver.h"
 #include "support.h"
 
-class DiagramTest : public ::testing::Test {
+class DiagramTest : public testing_support::PluginTest {
 protected:
-    testing_support::TempDir dir;
-
-    void SetUp() override
-    {
-        hostapp::clearDiagram();
-        testing_support::startHostWithPlugin(dir.file("tervan.ini"), dir.path);
-        platform::clearTranscript();
-    }
-    void TearDown() override { hostapp::clearDiagram(); }
-
     /* Loads a diagram, its text or examples/NAME, and clicks its own reference points, as
     ** the command line does, unless told not to. */
     void load(const std::string &diagram, bool references = true)

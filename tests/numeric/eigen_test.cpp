@@ -185,16 +185,13 @@ TEST_F(Eigenvalues, OrdersOutsideTheMatrixAndNonFiniteInput)
     Complex roots[3] = {{9, 9}, {9, 9}, {9, 9}};
     eigenValues(roots, a, 0);           /* below 1: nothing written, nothing said */
     eigenValues(roots, a, -4);
-    EXPECT_EQ(roots[0].re, 9);
-    EXPECT_EQ(roots[0].im, 9);
+    EXPECT_EQ(roots[0], (Complex{9, 9}));
     EXPECT_EQ(platform::transcript().size(), 0u);
 
     eigenValues(roots, a, 3);           /* beyond the matrix: refused, roots 0 */
     EXPECT_EQ(linesWith("EigenValues: order 3 exceeds the 2x2 matrix"), 1);
-    for (const Complex &r : roots) {
-        EXPECT_EQ(r.re, 0.0);
-        EXPECT_EQ(r.im, 0.0);
-    }
+    for (const Complex &r : roots)
+        EXPECT_EQ(r, (Complex{0, 0}));
     gfree(a);
 
     for (double bad : {INFINITY, -INFINITY, NAN}) {     /* reported, and NaN roots */

@@ -9,8 +9,8 @@
 #include "resources/prxdlg.h"
 #include "tests/nyquist/nyquist_fixture.h"
 
-using platform::ActionKind;
 using platform::DialogAction;
+using namespace testing_support;
 
 namespace {
 
@@ -43,31 +43,25 @@ TEST_F(NyquistDialog, EntriesBelowTwoAreRefusedEscKeepsTheValueHelpIsNotHandled)
         {"nothing typed, the default button", {}, "  > default 1\n[end] Nyquist: 1\n", 10.0, -0.09765625},
         /* With R = 2 the crossing search ends at 0.4296875 (|Y| = 1.96). */
         {"1.5 refused, 2 accepted",
-         {{"", ActionKind::Type, IDC_NYQUIST_INFINITY, "1.5", 0}, {"", ActionKind::Click, IDOK, "", 0},
-          {"", ActionKind::Type, IDC_NYQUIST_INFINITY, "2", 0}, {"", ActionKind::Click, IDOK, "", 0}},
+         {typed(IDC_NYQUIST_INFINITY, "1.5"), press(IDOK), typed(IDC_NYQUIST_INFINITY, "2"), press(IDOK)},
          "  > type 901 \"1.5\"\n  > click 1\n[Error]  The value for infinity must be >= 2\n"
          "  > type 901 \"2\"\n  > click 1\n[end] Nyquist: 1\n",
          2.0, -0.4296875},
         /* "nan" is not below 2. No evaluation compares with a NaN radius: the search keeps
         ** the midpoint 10 / 2, so the detour starts at -5. */
-        {"NaN taken",
-         {{"", ActionKind::Type, IDC_NYQUIST_INFINITY, "nan", 0}, {"", ActionKind::Click, IDOK, "", 0}},
+        {"NaN taken", {typed(IDC_NYQUIST_INFINITY, "nan"), press(IDOK)},
          "  > type 901 \"nan\"\n  > click 1\n[end] Nyquist: 1\n", NAN, -5.0},
         /* With R = 1e6 the search takes all its 26 evaluations: halving from 5 down to
         ** 5.96e-7 (too close), then two steps out to 1.043081283569336e-06 (|Y| = 958698). */
-        {"a large value",
-         {{"", ActionKind::Type, IDC_NYQUIST_INFINITY, "1e6", 0}, {"", ActionKind::Click, IDOK, "", 0}},
+        {"a large value", {typed(IDC_NYQUIST_INFINITY, "1e6"), press(IDOK)},
          "  > type 901 \"1e6\"\n  > click 1\n[end] Nyquist: 1\n", 1e6, -1.043081283569336e-06},
-        {"Esc keeps the value, Help does nothing",
-         {{"", ActionKind::Type, IDC_NYQUIST_INFINITY, "50", 0}, {"", ActionKind::Click, IDC_HELP, "", 0},
-          {"", ActionKind::Cancel, 0, "", 0}},
+        {"Esc keeps the value, Help does nothing", {typed(IDC_NYQUIST_INFINITY, "50"), press(IDC_HELP), escape()},
          "  > type 901 \"50\"\n  > click 9\n  > cancel\n[end] Nyquist: 2\n", 10.0, -0.09765625},
     };
     for (const Row &row : rows) {
         SetUp();
         poles = {{0, 0}, {-1, 0}};
-        for (const DialogAction &action : row.actions)
-            platform::queueDialogAction(action);
+        queueActions(row.actions);
         run(1.0, 1.0);
         EXPECT_EQ(platform::transcriptText(), std::string(NOTICE) + SHOWN + row.after) << row.name;
         if (std::isnan(row.infinity)) {

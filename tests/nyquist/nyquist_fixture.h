@@ -26,19 +26,15 @@ using Roots = std::vector<Complex>;
 
 using testing_support::poleZeroResponse;
 
-class NyquistTest : public ::testing::Test {
+class NyquistTest : public testing_support::PluginTest {
 protected:
-    testing_support::TempDir dir;
     PlotRecord *plot = nullptr;
     Roots zeros, poles;
     double *W = nullptr;
 
     void SetUp() override
     {
-        testing_support::startHostWithPlugin(dir.file("tervan.ini"), dir.path);
-        platform::clearTranscript();
-        frequencyRange = {50, 0.1, 100.0};
-        frequencyUnit.selected = FREQUENCY_UNIT_RADIANS;
+        PluginTest::SetUp();
         negativeFrequencies = 0;
         plot = plotRecordOf(testing_support::nyquistPlotBlock(frequencyRange));
     }
@@ -47,6 +43,7 @@ protected:
     {
         gfree(W);
         platform::clearDialogActions();
+        PluginTest::TearDown();
     }
 
     /* Runs the continuous curve on the plot, freeing the last run's W. */

@@ -25,6 +25,7 @@
 #include "support.h"
 #include "support/plugin_plot.h"
 
+using testing_support::boundsOf;
 using testing_support::texts;
 using testing_support::tickRange;
 

@@ -120,15 +120,9 @@ TEST_F(PlotTest, RootLocusPlotsAreNumberedSetUpAndBoundedByTheirBuffers)
     storeBranch(plot, 1, {-1.0, -0.5, -0.5}, {0.0, 1.2, 2.9});
     storeBranch(plot, 2, {-2.0, -2.0, -2.0}, {0.0, 0.0, 0.0});
     setXYPlotBounds(block, 0, 1);
-    EXPECT_EQ(plot->xMin, -3.7);
-    EXPECT_EQ(plot->xMax, -0.5);
-    EXPECT_EQ(plot->yMin, 0.0);
-    EXPECT_EQ(plot->yMax, 2.9);
+    EXPECT_EQ(boundsOf(plot), (std::vector<double>{-3.7, -0.5, 0.0, 2.9}));
     finishPlot(block, 0, 0, 0);
-    EXPECT_NEAR(plot->xMin, -4.0, 1e-12);   /* steps of 0.5 */
-    EXPECT_NEAR(plot->xMax, -0.5, 1e-12);
-    EXPECT_NEAR(plot->yMin, 0.0, 1e-12);
-    EXPECT_NEAR(plot->yMax, 3.0, 1e-12);
+    EXPECT_EQ(boundsOf(plot), (std::vector<double>{-4.0, -0.5, 0.0, 3.0}));    /* steps of 0.5 */
 }
 
 /* Every pair the plug-in hands to the host's rescaling, as handed over: the host widens

@@ -179,11 +179,7 @@ TEST_F(SvgPlotTest, NyquistDrawsRealAgainstImaginary)
     finishPlot(block, 0, 0, 0);
     /* The bounds come from the traces, x from the real parts, and a point with a
     ** non-finite part counts nowhere: real 0.0104 ... 1 and imaginary -0.5 ... 0. */
-    PlotRecord *plot = plotRecordOf(block);
-    EXPECT_NEAR(plot->xMin, 0.0, 1e-12);
-    EXPECT_NEAR(plot->xMax, 1.0, 1e-12);
-    EXPECT_NEAR(plot->yMin, -0.5, 1e-12);
-    EXPECT_NEAR(plot->yMax, 0.0, 1e-12);
+    EXPECT_EQ(boundsOf(plotRecordOf(block)), (std::vector<double>{0.0, 1.0, -0.5, 0.0}));
     parse("Nyquist.svg");
     EXPECT_EQ(texts(doc, "x-label"), std::vector<std::string>{"Real"});
     EXPECT_EQ(texts(doc, "y-label"), std::vector<std::string>{"Imaginary"});

@@ -22,8 +22,7 @@ protected:
     /* A zeroed PlotParamInfo on a fresh n-trace plot, as the sweep attaches it. */
     void plotWithParamInfo(int traces)
     {
-        block = makeRootLocusPlot(traces);
-        plot = plotRecordOf(block);
+        newPlot(traces);
         plot->paramInfo = (PlotParamInfo *)galloc(sizeof(PlotParamInfo));
         *plot->paramInfo = PlotParamInfo{};
     }
@@ -86,8 +85,7 @@ TEST_F(AutoSweep, StepThatHardlyMovesTheRootsGrowsByHalfItsGain)
     ** K = 0 and 1 and a box of 10, a step moving less than 10/500 grows K by half, and one
     ** that moves at most 10/100 along a straight branch is kept. */
     useLoop({1}, {1});
-    block = makeRootLocusPlot(1);
-    plot = plotRecordOf(block);
+    newPlot(1);
     beginLocusRun(num, den, n, gain);
     /* Rows marked turned put the branch's previous point 10 degrees off its direction:
     ** such a step is halved until it moves at most 10/100, whether it moved more than
@@ -124,11 +122,9 @@ TEST_F(AutoSweep, BranchesLeaveTheRealAxisVerticallyFromTheBreakAwayPoint)
         ++split;
     ASSERT_GT(split, 1);
     ASSERT_LT(split, 51);
-    EXPECT_EQ(a[split - 1].im, 0.0);
-    EXPECT_EQ(b[split - 1].im, 0.0);
     EXPECT_NE(b[split].im, 0.0);
-    EXPECT_EQ(a[split - 1].re, a[split].re) << "branch 0 rises vertically";
-    EXPECT_EQ(b[split - 1].re, b[split].re) << "branch 1 rises vertically";
+    EXPECT_EQ(a[split - 1], (Complex{a[split].re, 0.0})) << "branch 0 rises vertically";
+    EXPECT_EQ(b[split - 1], (Complex{b[split].re, 0.0})) << "branch 1 rises vertically";
     EXPECT_EQ(a[split].re, b[split].re);
     EXPECT_NEAR(a[split].re, -1.5, 1e-9);
     EXPECT_LE(std::fabs(a[split].im), 4.0 / 100);
@@ -169,8 +165,7 @@ TEST_F(AutoSweep, BreakAwaySnapsOnlyWithinAHundredthOfTheBox)
     double numerator[3] = {1, 0, 0}, denominator[3] = {2, 3, 1};
     gainRange.steps = 10;
     for (const auto &row : rows) {
-        block = makeRootLocusPlot(2);
-        plot = plotRecordOf(block);
+        newPlot(2);
         beginLocusRun(numerator, denominator, 2, 1.0);
         for (int s = 0; s < 3; ++s) {
             storeLocusPoint(plot, 0, s, row.first[s]);
@@ -181,10 +176,8 @@ TEST_F(AutoSweep, BreakAwaySnapsOnlyWithinAHundredthOfTheBox)
         adaptLocusGain(plot, 2, 4, &K, row.previousK, row.box);
         endLocusRun();
         EXPECT_DOUBLE_EQ(K, row.adapted) << row.what;
-        for (int j = 0; j < 2; ++j) {
-            EXPECT_NEAR(branch(j).at(2).re, row.atStep2[j], 1e-12) << row.what << ", branch " << j;
-            EXPECT_EQ(branch(j).at(2).im, 0.0) << row.what;
-        }
+        for (int j = 0; j < 2; ++j)
+            EXPECT_EQ(branch(j).at(2), (Complex{row.atStep2[j], 0.0})) << row.what << ", branch " << j;
         EXPECT_EQ(branch(1).at(3).im == 0.0, row.realAtStep3) << row.what;
     }
 }

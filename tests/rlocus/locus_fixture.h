@@ -25,7 +25,7 @@
 #include "support.h"
 #include "support/lapack_reference.h"
 #include "support/plugin_plot.h"
-#include "tests/xfer/model.h"
+#include "support/model.h"
 #include "xfer/xfer.h"
 
 namespace locustest {
@@ -71,10 +71,12 @@ protected:
         stateToXferFunc(loop->A, loop->B, loop->C, loop->D, &num, &den, &gain);
     }
 
+    /* A fresh root locus plot of `traces` branches. */
+    void newPlot(int traces) { plot = plotRecordOf(block = makeRootLocusPlot(traces)); }
+
     double run()
     {
-        block = makeRootLocusPlot(n);
-        plot = plotRecordOf(block);
+        newPlot(n);
         return rootLocus(plot, num, den, n);
     }
 

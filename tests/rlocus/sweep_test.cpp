@@ -95,8 +95,7 @@ TEST_F(Sweep, EquidistantRootGoesToTheLowerBranch)
     ** previous points, the second is nearer to branch 0's.  The tie goes to branch 0,
     ** which is then taken, so the second root must go to branch 1. */
     double numerator[3] = {0, 0, 0}, denominator[3] = {5.8, 4.9, 1};
-    block = makeRootLocusPlot(2);
-    plot = plotRecordOf(block);
+    newPlot(2);
     beginLocusRun(numerator, denominator, 2, 1.0);
     Complex found[2];
     Matrix *work = matDecl(2, 2);
@@ -118,8 +117,7 @@ TEST_F(Sweep, ADegreeDropKeepsTheRootsEarlierStepsFound)
     /* (s+1)(s+2) + K s^2: at K = -1 the closed loop is 3 s + 2, one root only; the other
     ** branch keeps the root buffer's entry of the step before. */
     double numerator[3] = {0, 0, 1}, denominator[3] = {2, 3, 1};
-    block = makeRootLocusPlot(2);
-    plot = plotRecordOf(block);
+    newPlot(2);
     beginLocusRun(numerator, denominator, 2, 1.0);
     rootLocusStep(plot, 0, 0.0);
     Complex stale = rootLocusState.roots[1];
@@ -165,8 +163,7 @@ TEST_F(Sweep, RefusedRunsDrawNothing)
         if (row.unconnected)
             loop->B->data[2] = loop->C->data[0] = 0.0;
         gainRange.steps = row.steps;
-        block = makeRootLocusPlot(3);
-        plot = plotRecordOf(block);
+        newPlot(3);
         platform::clearTranscript();
         bool many = row.order > 3;
         EXPECT_EQ(rootLocus(plot, many ? coefficients.data() : num, many ? coefficients.data() : den, row.order), 0.0)

@@ -4,7 +4,6 @@
 */
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -19,101 +18,91 @@ using namespace testing_support;
 
 namespace {
 
-const char *const NO_FILE = "<no file>";
-
 /* Sessions of the praxa executable on a settings file: what the dialogs show and what the
 ** file holds afterwards (keys are rewritten in place, new ones appended in writing order). */
 TEST(SettingsSessions, DialogsShowAndWriteTheSettings)
 {
-    struct Row {
-        const char *name;
-        const char *before;             /* the settings file, or NO_FILE */
-        const char *script;             /* a script, or one command line when it has no newline */
-        int status;
-        std::vector<std::string> shown;
-        const char *after;
-    } rows[] = {
+    const char *const ini = "tervan.ini", *const script = "--script {dir}/session.txt";
+    /* Files that the sessions leave as they were. */
+    const char *const ranges = "[tervan]\nfreqStart=0.5\nfreqStop=50\nfreqSteps=40\n",
+                      *const handEdited = "[tervan]\nfreqStart=2\nfreqStop=2000\nfreqSteps=300\nrlocStart=1.5\n"
+                                          "rlocStop=7\nrlocSteps=9\nrlocAutoRange=0\n",
+                      *const units = "[tervan]\nprxReusePlots=1\nuseNegativeFrequenciesInNyquistPlot=1\n"
+                                     "freqUnits=210\nphaseUnits=213\nmagUnits=215\n";
+    const Session rows[] = {
         /* The first range dialog shows its initial memory; OK writes both ranges, at the
         ** display precision. */
-        {"first range dialog: step count one refused, two accepted", NO_FILE,
+        {"first range dialog: step count one refused, two accepted", {},
          "frequency-range --type 102=0.123456789 --type 103=2 --type 104=1 --click 1 --type 104=2", 0,
          {"[dialog] Bode Frequency Range", "  edit 102 \"103\"", "  edit 103 \"104\"", "  edit 104 \"102\"",
           "  checkbox 1029 \"Auto Range\" [ ] (hidden)", "[Tervan] step count too low", "  > type 104 \"2\"",
           "[end] Bode Frequency Range: 1"},
-         "[tervan]\nrlocSteps=2\nrlocAutoRange=0\nrlocStart=.123457\nrlocStop=2\n"
-         "freqSteps=2\nfreqStart=.123457\nfreqStop=2\n"},
+         nullptr,
+         {{ini, "[tervan]\nrlocSteps=2\nrlocAutoRange=0\nrlocStart=.123457\nrlocStop=2\n"
+                "freqSteps=2\nfreqStart=.123457\nfreqStop=2\n"}}},
         /* The gain range dialog shows the memory the frequency range left, and writes the
         ** frequency keys from the frequency range, not from what it edits. */
-        {"gain range dialog after the frequency range", NO_FILE,
-         "frequency-range --start 1 --stop 10 --steps 20\n"
-         "rlocus-options --start 2 --stop 30 --steps 25\n  check 1029\n", 0,
+        {"gain range dialog after the frequency range",
+         {{"session.txt", "frequency-range --start 1 --stop 10 --steps 20\n"
+                          "rlocus-options --start 2 --stop 30 --steps 25\n  check 1029\n"}},
+         script, 0,
          {"[dialog] Root Locus Gain Range", "  edit 102 \"1\"", "  edit 103 \"10\"", "  edit 104 \"20\"",
           "  checkbox 1029 \"Auto Range\" [ ]", "[end] Root Locus Gain Range: 1"},
-         "[tervan]\nrlocSteps=25\nrlocAutoRange=1\nrlocStart=2\nrlocStop=30\n"
-         "freqSteps=20\nfreqStart=1\nfreqStop=10\n"},
+         nullptr,
+         {{ini, "[tervan]\nrlocSteps=25\nrlocAutoRange=1\nrlocStart=2\nrlocStop=30\n"
+                "freqSteps=20\nfreqStart=1\nfreqStop=10\n"}}},
         /* A refused entry is stored before the check: the next dialog shows it, the file
         ** does not get it. */
-        {"start must be less than stop", "[tervan]\nfreqStart=0.5\nfreqStop=50\nfreqSteps=40\n",
-         "frequency-range --start 5 --stop 5\nfrequency-range --cancel\n", 1,
+        {"start must be less than stop",
+         {{ini, ranges}, {"session.txt", "frequency-range --start 5 --stop 5\nfrequency-range --cancel\n"}},
+         script, 1,
          {"[Tervan] Start must be less than Stop", "[refused] Bode Frequency Range", "[end] Bode Frequency Range: 2",
           "[dialog] Bode Frequency Range", "  edit 102 \"5\"", "  edit 103 \"5\"", "  edit 104 \"102\""},
-         "[tervan]\nfreqStart=0.5\nfreqStop=50\nfreqSteps=40\n"},
+         nullptr, {{ini, ranges}}},
         /* Every range key is read at the start (the auto range against its default, on): the
         ** gain range dialog shows the root locus keys and writes back the frequency keys it read. */
-        {"hand-edited range keys",
-         "[tervan]\nfreqStart=2\nfreqStop=2000\nfreqSteps=300\nrlocStart=1.5\nrlocStop=7\nrlocSteps=9\nrlocAutoRange=0\n",
-         "rlocus-options", 0,
-         {"  edit 102 \"1.5\"", "  edit 103 \"7\"", "  edit 104 \"9\"", "  checkbox 1029 \"Auto Range\" [ ]"},
-         "[tervan]\nfreqStart=2\nfreqStop=2000\nfreqSteps=300\nrlocStart=1.5\nrlocStop=7\nrlocSteps=9\nrlocAutoRange=0\n"},
-        {"empty and missing keys leave the values alone", "[tervan]\nfreqStart=\nfreqStop=900\n", "rlocus-options", 0,
-         {"  edit 102 \"103\"", "  checkbox 1029 \"Auto Range\" [x]"},
-         "[tervan]\nfreqStart=.1\nfreqStop=900\nrlocSteps=102\nrlocAutoRange=1\nrlocStart=103\nrlocStop=104\nfreqSteps=50\n"},
-        {"preferences show the defaults; Cancel writes nothing", NO_FILE, "preferences --cancel", 0,
+        {"hand-edited range keys", {{ini, handEdited}}, "rlocus-options", 0,
+         {"  edit 102 \"1.5\"", "  edit 103 \"7\"", "  edit 104 \"9\"", "  checkbox 1029 \"Auto Range\" [ ]"}, nullptr,
+         {{ini, handEdited}}},
+        {"empty and missing keys leave the values alone", {{ini, "[tervan]\nfreqStart=\nfreqStop=900\n"}},
+         "rlocus-options", 0, {"  edit 102 \"103\"", "  checkbox 1029 \"Auto Range\" [x]"}, nullptr,
+         {{ini, "[tervan]\nfreqStart=.1\nfreqStop=900\nrlocSteps=102\nrlocAutoRange=1\nrlocStart=103\nrlocStop=104\n"
+                "freqSteps=50\n"}}},
+        {"preferences show the defaults; Cancel writes nothing", {}, "preferences --cancel", 0,
          {"[dialog] Praxa Preferences", "  edit 203 \"6\"", "  checkbox 1035 \"Negative Frequencies in Nyquist Plot\" [ ]",
           "  radio 211 \"Radians/Second\" [x]", "  radio 210 \"Hertz\" [ ]", "  radio 213 \"Radians\" [ ]",
           "  radio 212 \"Degrees\" [x]", "  radio 216 \"Log 10\" [x]", "  radio 215 \"Decibels\" [ ]",
           "  edit 200 \"1e-055\"", "  edit 201 \"1e-060\"", "[end] Praxa Preferences: 2"},
-         NO_FILE},
+         nullptr, {{ini, nullptr}}},
         /* OK writes back what was read, the reuse flag too: the file stays as it was. */
-        {"unit keys and flags are read at the start",
-         "[tervan]\nprxReusePlots=1\nuseNegativeFrequenciesInNyquistPlot=1\nfreqUnits=210\nphaseUnits=213\nmagUnits=215\n",
-         "preferences", 0,
+        {"unit keys and flags are read at the start", {{ini, units}}, "preferences", 0,
          {"  checkbox 1035 \"Negative Frequencies in Nyquist Plot\" [x]", "  radio 211 \"Radians/Second\" [ ]",
           "  radio 210 \"Hertz\" [x]", "  radio 213 \"Radians\" [x]", "  radio 212 \"Degrees\" [ ]",
           "  radio 216 \"Log 10\" [ ]", "  radio 215 \"Decibels\" [x]"},
-         "[tervan]\nprxReusePlots=1\nuseNegativeFrequenciesInNyquistPlot=1\nfreqUnits=210\nphaseUnits=213\nmagUnits=215\n"},
+         nullptr, {{ini, units}}},
         /* Precision and thresholds live in memory only: the second look shows them. */
-        {"preferences OK writes the unit keys", NO_FILE,
-         "preferences\n  check 210\n  check 213\n  check 215\n  check 1035\n  type 203 3\n"
-         "  type 200 1e-20\n  type 201 2.5e-30\npreferences --cancel\n", 0,
+        {"preferences OK writes the unit keys",
+         {{"session.txt", "preferences\n  check 210\n  check 213\n  check 215\n  check 1035\n  type 203 3\n"
+                          "  type 200 1e-20\n  type 201 2.5e-30\npreferences --cancel\n"}},
+         script, 0,
          {"[end] Praxa Preferences: 1", "[dialog] Praxa Preferences", "  edit 203 \"3\"",
           "  checkbox 1035 \"Negative Frequencies in Nyquist Plot\" [x]", "  radio 210 \"Hertz\" [x]",
           "  radio 213 \"Radians\" [x]", "  radio 215 \"Decibels\" [x]", "  edit 200 \"1e-020\"",
           "  edit 201 \"2.5e-030\""},
-         "[tervan]\nphaseUnits=213\nmagUnits=215\nfreqUnits=210\nprxReusePlots=0\nuseNegativeFrequenciesInNyquistPlot=1\n"},
+         nullptr,
+         {{ini, "[tervan]\nphaseUnits=213\nmagUnits=215\nfreqUnits=210\nprxReusePlots=0\n"
+                "useNegativeFrequenciesInNyquistPlot=1\n"}}},
     };
-    for (const Row &row : rows) {
-        TempDir dir;
-        std::string settings = dir.file("tervan.ini");
-        if (std::string(row.before) != NO_FILE)
-            writeFile(settings, row.before);
-        std::string command = row.script;
-        if (command.find('\n') != std::string::npos) {
-            writeFile(dir.file("session.txt"), command);
-            command = "--script " + dir.file("session.txt");
-        }
-        RunResult run = runPraxa("--settings " + settings + " --out " + dir.path + " " + command);
-        EXPECT_EQ(run.status, row.status) << row.name << "\n" << run.out << run.err;
-        EXPECT_TRUE(hasLinesInOrder(run.out, row.shown)) << row.name;
-        std::string after = std::filesystem::exists(settings) ? readFile(settings) : NO_FILE;
-        EXPECT_EQ(after, row.after) << row.name;
-    }
+    for (const Session &row : rows)
+        expectSession(row);
 }
 
 /* The root locus options dialog, which the host opens itself: the gain edits follow the
 ** auto range box, a negative gain is refused when its edit loses the focus, and OK checks
 ** the step count and the range. It writes no key. */
-TEST(RootLocusOptions, GainEditsFollowTheAutoRangeAndBadEntriesAreRefused)
+using RootLocusOptions = PluginTest;
+
+TEST_F(RootLocusOptions, GainEditsFollowTheAutoRangeAndBadEntriesAreRefused)
 {
     using platform::ActionKind;
     struct Row {
@@ -127,8 +116,8 @@ TEST(RootLocusOptions, GainEditsFollowTheAutoRangeAndBadEntriesAreRefused)
         int autoRangeAfter;
     } rows[] = {
         {"unchecking the auto range enables the gains", 1,
-         {{"", ActionKind::Uncheck, OPTION_AUTO_RANGE, "", 0}, {"", ActionKind::Type, OPTION_START, "2", 0},
-          {"", ActionKind::Type, OPTION_STOP, "40", 0}, {"", ActionKind::Type, OPTION_STEPS, "25", 0}},
+         {{"", ActionKind::Uncheck, OPTION_AUTO_RANGE, "", 0}, typed(OPTION_START, "2"), typed(OPTION_STOP, "40"),
+          typed(OPTION_STEPS, "25")},
          1,
          {"[dialog] Root Locus Options", "  edit 104 \"50\"", "  checkbox 1029 \"Auto Range\" [x]",
           "  edit 102 \"\" (disabled)", "  edit 103 \"\" (disabled)", "  > uncheck 1029", "  > type 102 \"2\"",
@@ -137,10 +126,8 @@ TEST(RootLocusOptions, GainEditsFollowTheAutoRangeAndBadEntriesAreRefused)
         /* Zero is a gain; -3 is refused as it loses the focus; 4 to 4 and one step are refused
         ** by OK; Help does nothing here. */
         {"negative gain, empty range and one step refused", 0,
-         {{"", ActionKind::Type, OPTION_START, "0", 0}, {"", ActionKind::Type, OPTION_START, "-3", 0},
-          {"", ActionKind::Type, OPTION_START, "4", 0}, {"", ActionKind::Type, OPTION_STOP, "4", 0}, {"", ActionKind::Click, IDOK, "", 0},
-          {"", ActionKind::Type, OPTION_STEPS, "1", 0}, {"", ActionKind::Click, IDOK, "", 0}, {"", ActionKind::Click, HELP_BUTTON, "", 0},
-          {"", ActionKind::Click, IDCANCEL, "", 0}},
+         {typed(OPTION_START, "0"), typed(OPTION_START, "-3"), typed(OPTION_START, "4"), typed(OPTION_STOP, "4"),
+          press(IDOK), typed(OPTION_STEPS, "1"), press(IDOK), press(HELP_BUTTON), press(IDCANCEL)},
          2,
          {"  edit 102 \"0\"", "  edit 103 \"100\"", "  > type 102 \"-3\"", "[Tervan] Gain value must be >= 0",
           "  > type 102 \"4\"", "  > click 1", "[Tervan] Start must be less than Stop", "  > click 1",
@@ -148,14 +135,10 @@ TEST(RootLocusOptions, GainEditsFollowTheAutoRangeAndBadEntriesAreRefused)
          3, {1, 4.0, 4.0}, 0},
     };
     for (const Row &row : rows) {
-        TempDir dir;
-        startHostWithPlugin(dir.file("tervan.ini"), dir.path);
-        platform::clearTranscript();
-        gainRange = {50, 0.0, 100.0};
+        SetUp();
         optionsMemory.autoRange = row.autoRangeAtOpen;
         editedRange = &gainRange;
-        for (const platform::DialogAction &action : row.actions)
-            platform::queueDialogAction(action);
+        queueActions(row.actions);
         EXPECT_EQ(DialogBoxParamA(moduleInstance, "ROOT_LOC_OPTIONS", GetFocus(), rootLocOptionDlg, 0), row.end)
             << row.name;
         std::string transcript = platform::transcriptText();
@@ -169,7 +152,7 @@ TEST(RootLocusOptions, GainEditsFollowTheAutoRangeAndBadEntriesAreRefused)
         const RangeSettings &after = row.gainRangeAfter;
         EXPECT_EQ(std::tie(gainRange.steps, gainRange.start, gainRange.stop, optionsMemory.autoRange),
                   std::tie(after.steps, after.start, after.stop, row.autoRangeAfter)) << row.name;
-        EXPECT_FALSE(std::filesystem::exists(dir.file("tervan.ini"))) << row.name;
+        EXPECT_EQ(readFile(dir.file("tervan.ini")), "") << row.name;
     }
 }
 

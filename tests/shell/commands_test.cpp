@@ -14,31 +14,23 @@
 #include "shell/settings.h"
 #include "shell/text.h"
 #include "support.h"
+#include "support/plugin_plot.h"
 
 using namespace testing_support;
 
 namespace {
 
-class Commands : public ::testing::Test {
+class Commands : public PluginTest {
 protected:
-    TempDir dir;
     std::string settings = dir.file("tervan.ini");
 
+    /* The example loaded on the host started again on `settingsText`. */
     void start(const std::string &example, const std::string &settingsText = "")
     {
         writeFile(settings, settingsText);
-        reusePlots = 0;
-        frequencyUnit.selected = FREQUENCY_UNIT_RADIANS;
         startHostWithPlugin(settings, dir.path);
-        std::string error;
-        ASSERT_TRUE(hostapp::loadDiagramFile(examplePath(example), error)) << error;
-        ASSERT_TRUE(hostapp::applyDiagramReferencePoints(error)) << error;
+        ASSERT_TRUE(loadExample(example));
         platform::clearTranscript();
-    }
-    void TearDown() override
-    {
-        bodePhasePlot = bodeMagnitudePlot = nyquistPlot = rootLocusPlot = nullptr;
-        hostapp::resetHost();
     }
 };
 
@@ -88,15 +80,9 @@ TEST_F(Commands, NyquistOfASampledModelInHertzStopsAtOneHertzInMemoryOnly)
 TEST(RootLocusBounds, RadiusTwoPointThreeClampsEveryBoundBeyondThree)
 {
     PlotRecord plot{};
-    plot.xMin = -7.5;
-    plot.xMax = 2.9;
-    plot.yMin = -3.2;
-    plot.yMax = 3.01;
+    std::tie(plot.xMin, plot.xMax, plot.yMin, plot.yMax) = std::tuple(-7.5, 2.9, -3.2, 3.01);
     clampPlotToRadius(&plot, 2.3);
-    EXPECT_EQ(plot.xMin, -3.0);
-    EXPECT_EQ(plot.xMax, 2.9);
-    EXPECT_EQ(plot.yMin, -3.0);
-    EXPECT_EQ(plot.yMax, 3.0);
+    EXPECT_EQ(boundsOf(&plot), (std::vector<double>{-3.0, 2.9, -3.0, 3.0}));
     plot.xMax = 12;
     clampPlotToRadius(&plot, -4.0);
     EXPECT_EQ(plot.xMax, 4.0);

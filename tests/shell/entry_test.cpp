@@ -16,15 +16,8 @@ using namespace testing_support;
 
 namespace {
 
-class EntryPoints : public ::testing::Test {
+class EntryPoints : public PluginTest {
 protected:
-    TempDir dir;
-    void SetUp() override
-    {
-        reusePlots = 0;
-        startHostWithPlugin(dir.file("tervan.ini"), dir.path);
-        platform::clearTranscript();
-    }
     std::string menuText(HMENU menu, UINT position)
     {
         char text[64] = "";
@@ -81,7 +74,6 @@ TEST_F(EntryPoints, CommandPrologueChecksTheHostThenReloadsTheSettings)
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(row.command);
-        writeFile(dir.file("tervan.ini"), "");
         SetUp();    /* a fresh host on the default settings */
         int steps = frequencyRange.steps;
         writeFile(dir.file("tervan.ini"), "[tervan]\nfreqSteps=7\n");
@@ -109,8 +101,6 @@ TEST_F(EntryPoints, DeletingARememberedPlotForgetsOnlyThatOne)
         for (int i = 0; i < 4; ++i)
             EXPECT_EQ(*plots[i], i == deleted ? nullptr : &blocks[i]) << "deleted " << deleted << ", plot " << i;
     }
-    for (HostBlock **plot : plots)
-        *plot = nullptr;
 }
 
 /* Only 256 with a null argument resets the compensator; what the reset leaves is the
@@ -126,7 +116,6 @@ TEST_F(EntryPoints, ResetEventRestoresTheCompensatorOnlyWithANullArgument)
         EXPECT_EQ(praxaEvent(row.code, row.arg), 0);
         EXPECT_EQ(currentCompensator.gain, row.gain) << row.code << " " << row.arg;
     }
-    currentCompensator = Compensator{};
 }
 
 }

@@ -109,6 +109,9 @@ inline std::vector<Complex> branchPoints(const PlotRecord *plot, int branch)
     return points;
 }
 
+/* A plot's bounds in the order xMin, xMax, yMin, yMax. */
+inline std::vector<double> boundsOf(const PlotRecord *plot) { return {plot->xMin, plot->xMax, plot->yMin, plot->yMax}; }
+
 }
 
 #endif

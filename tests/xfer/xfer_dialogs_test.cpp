@@ -12,16 +12,16 @@
 #include "platform/driver.h"
 #include "shell/praxa.h"
 #include "support.h"
-#include "tests/xfer/model.h"
+#include "support/model.h"
 #include "xfer/xfer.h"
 
+using namespace testing_support;
 using namespace xfertest;
-using platform::ActionKind;
 using platform::DialogAction;
 
 namespace {
 
-using XferDialogs = testing_support::PluginTest;
+using XferDialogs = PluginTest;
 
 /* d = 1, A = -2: one zero at -(2 + c), so N(s) = s + v exactly for c = v - 2. */
 Model *numeratorConstant(double v) { return new Model(1, {-2}, {1}, {v - 2.0}, 1.0); }
@@ -66,8 +66,7 @@ TEST_F(XferDialogs, ModelsShowTheirGainRowsAndRoots)
         /* Help opens each dialog's topic and the dialog stays; Esc ends it with Cancel and
         ** the second dialog still follows. */
         {"help and Esc", new Model(1, {-1}, {1}, {2}, 0.0), XFER_SHOW_INFO,
-         {{"TRANSFERINFO_BOX", ActionKind::Click, 9, "", 0}, {"TRANSFERINFO_BOX", ActionKind::Cancel, 0, "", 0},
-          {"POLEZERO_BOX", ActionKind::Click, 9, "", 0}, {"POLEZERO_BOX", ActionKind::Cancel, 0, "", 0}},
+         {press(9, "TRANSFERINFO_BOX"), escape("TRANSFERINFO_BOX"), press(9, "POLEZERO_BOX"), escape("POLEZERO_BOX")},
          {"[dialog] Transfer Function", "[help] file 43528 topic 1180", "[end] Transfer Function: 2",
           "[dialog] Zeros and Poles", "[help] file 43528 topic 1185", "[end] Zeros and Poles: 2"},
          nullptr},
@@ -78,17 +77,16 @@ TEST_F(XferDialogs, ModelsShowTheirGainRowsAndRoots)
     for (const Row &row : rows) {
         std::unique_ptr<Model> m(row.model);
         platform::clearTranscript();
-        for (const DialogAction &action : row.actions)
-            platform::queueDialogAction(action);
+        queueActions(row.actions);
         double gain = 0.0;
         timeToFrequency(m->A, m->B, m->C, m->D, nullptr, nullptr, &gain, row.flags);
         std::string transcript = platform::transcriptText();
-        EXPECT_TRUE(testing_support::hasLinesInOrder(transcript, row.shown)) << row.name;
+        EXPECT_TRUE(hasLinesInOrder(transcript, row.shown)) << row.name;
         if (row.absent) {
             EXPECT_EQ(transcript.find(row.absent), std::string::npos) << row.name << "\n" << transcript;
         }
         EXPECT_EQ(platform::pendingDialogActions(), 0u) << row.name;
-        testing_support::releasePluginRecords();
+        releasePluginRecords();
     }
 }
 
@@ -103,7 +101,7 @@ TEST_F(XferDialogs, ZerosAndPolesKeepTheRootListsOrder)
     currentXfer.poleCount = 4;
     EXPECT_EQ(runDialog("POLEZERO_BOX", poleZeroDlg), 1);
     currentXfer.zeros = currentXfer.poles = nullptr;
-    EXPECT_TRUE(testing_support::hasLinesInOrder(platform::transcriptText(),
+    EXPECT_TRUE(hasLinesInOrder(platform::transcriptText(),
                                                  {"  listbox 107: \"(3,0)\" | \"(-.5,0)\"",
                                                   "  listbox 108: \"(0,0)\" | \"(-1,-2)\" | \"(-1,2)\" | \"(-7.25,0)\""}));
 }

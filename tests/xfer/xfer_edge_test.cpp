@@ -11,7 +11,7 @@
 #include <memory>
 #include <string>
 
-#include "tests/xfer/model.h"
+#include "support/model.h"
 #include "xfer/system_matrix.h"
 #include "xfer/xfer.h"
 

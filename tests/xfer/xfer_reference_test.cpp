@@ -19,7 +19,7 @@
 
 #include "numeric/eigen.h"
 #include "support/lapack_reference.h"
-#include "tests/xfer/model.h"
+#include "support/model.h"
 #include "xfer/xfer.h"
 
 using namespace xfertest;

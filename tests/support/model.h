@@ -1,10 +1,11 @@
 /*
-** tests/xfer/model.h: state-space models for the transfer-function tests, built on
-** the host heap the way the linearizer leaves them (A n x n, B n x 1, C 1 x n, D 1 x 1),
-** and the frequency response and random orthogonal matrices LAPACK gives for them.
+** tests/support/model.h: state-space models for the transfer function, compensator and
+** root locus tests, built on the host heap the way the linearizer leaves them (A n x n,
+** B n x 1, C 1 x n, D 1 x 1), and the frequency response and random orthogonal matrices
+** LAPACK gives for them.
 */
-#ifndef PRAXA_TESTS_XFER_MODEL_H
-#define PRAXA_TESTS_XFER_MODEL_H
+#ifndef PRAXA_TESTS_SUPPORT_MODEL_H
+#define PRAXA_TESTS_SUPPORT_MODEL_H
 
 #include <gtest/gtest.h>
 #include <lapacke.h>
