@@ -130,6 +130,43 @@ void rootLocus1000Manual(benchmark::State &state)
     countSteps(state);
 }
 
+/* The transfer function of the linearized model as the command computes it: zeros and
+** numerator, poles and denominator, gain; returns the gain. */
+struct TransferFunctionArrays {
+    std::vector<Complex> zeros, poles;
+    std::vector<double> numerator, denominator;
+    Polynomial num, den;
+};
+double modelTransferFunction(TransferFunctionArrays &tf)
+{
+    const StateSpaceModel &m = stateSpaceModel;
+    uint32_t n = m.A->rows;
+    tf.zeros.resize(n + 1);
+    tf.poles.resize(n + 1);
+    tf.numerator.resize(n + 2);
+    tf.denominator.resize(n + 2);
+    tf.num = {0, tf.numerator.data()};
+    tf.den = {0, tf.denominator.data()};
+    stateToZeros(m.A, m.B, m.C, m.D, tf.zeros.data(), &tf.num);
+    stateToPoles(m.A, tf.poles.data(), &tf.den);
+    return xferGain(m.A, m.B, m.C, m.D, tf.poles.data(), tf.zeros.data(), tf.num.count - 1, tf.den.count - 1);
+}
+
+/* The plug-in's share of the transfer function command: its zeros, poles and gain of the
+** model linearized once. */
+void transferFunctionAnalysis(benchmark::State &state)
+{
+    if (!startWithModel((int)state.range(0), state))
+        return;
+    praxaCmd(CMD_TRANSFER_FUNCTION);
+    TransferFunctionArrays tf;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(modelTransferFunction(tf));
+        platform::clearTranscript();
+    }
+    hostapp::clearDiagram();
+}
+
 /* Zeros, poles and gain of the linearized model, then the Bode magnitude and phase of
 ** 1000 points with the margins (their dialog included), into plain arrays. */
 void bode1000Analysis(benchmark::State &state)
@@ -137,18 +174,12 @@ void bode1000Analysis(benchmark::State &state)
     if (!startWithModel((int)state.range(0), state))
         return;
     praxaCmd(CMD_FREQUENCY_RESPONSE);
-    const StateSpaceModel &m = stateSpaceModel;
-    uint32_t n = m.A->rows;
-    std::vector<Complex> zeros(n + 1), poles(n + 1);
-    std::vector<double> numerator(n + 2), denominator(n + 2);
+    TransferFunctionArrays tf;
     std::vector<double> magnitude(frequencyRange.steps), phase(frequencyRange.steps);
     for (auto _ : state) {
-        Polynomial num = {0, numerator.data()}, den = {0, denominator.data()};
-        stateToZeros(m.A, m.B, m.C, m.D, zeros.data(), &num);
-        stateToPoles(m.A, poles.data(), &den);
-        double gain = xferGain(m.A, m.B, m.C, m.D, poles.data(), zeros.data(), num.count - 1, den.count - 1);
-        bodeResponse(num.count - 1, den.count - 1, poles.data(), zeros.data(), magnitude.data(), phase.data(), 1.0,
-                     gain, 0.0);
+        double gain = modelTransferFunction(tf);
+        bodeResponse(tf.num.count - 1, tf.den.count - 1, tf.poles.data(), tf.zeros.data(), magnitude.data(),
+                     phase.data(), 1.0, gain, 0.0);
         platform::clearTranscript();
     }
     hostapp::clearDiagram();
@@ -177,6 +208,7 @@ void rootLocus1000Analysis(benchmark::State &state)
 }
 
 BENCHMARK(transferFunction)->Arg(10)->Arg(30)->Arg(100)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(transferFunctionAnalysis)->Arg(10)->Arg(30)->Arg(100)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(bode1000)->Arg(10)->Arg(30)->Arg(100)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(bode1000Analysis)->Arg(10)->Arg(30)->Arg(100)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(nyquist)->Arg(10)->Arg(30)->Arg(100)->UseRealTime()->Unit(benchmark::kMillisecond);

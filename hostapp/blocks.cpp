@@ -279,6 +279,62 @@ void evaluateOutput(Block &block, double time)
     }
 }
 
+static bool linearReuse = false;
+
+void beginLinearReuse()
+{
+    linearReuse = true;
+}
+
+void endLinearReuse(const std::vector<Block *> &blocks)
+{
+    linearReuse = false;
+    for (Block *block : blocks)
+        block->reference.valid = false;
+}
+
+/* The next values of a linear block from its reference when at most MOST_CHANGED states
+** (and the input) differ from it: the reference's plus each change times its column of
+** a (or b). A step of the Jacobian changes one state and the inputs it reaches, so the
+** reference stays the operating point. Otherwise the full product, which becomes the
+** reference. The sums differ from the full product's at rounding level only. */
+static void referencedDerivatives(Block &block, double u)
+{
+    const int MOST_CHANGED = 2;
+    const LinearSystem &sys = block.linear;
+    const double *x = block.state.data();
+    double *next = block.next.data();
+    auto &r = block.reference;
+    size_t n = (size_t)sys.n;
+    size_t changed[MOST_CHANGED], count = 0;
+    bool near = r.valid;
+    for (size_t k = 0; near && k < n; ++k)
+        if (x[k] != r.state[k]) {
+            if (count == MOST_CHANGED)
+                near = false;
+            else
+                changed[count++] = k;
+        }
+    if (!near) {
+        linearDerivatives(sys.n, sys.a.data(), sys.b.data(), u, x, next);
+        r.state.assign(x, x + n);
+        r.next.assign(next, next + n);
+        r.input = u;
+        r.valid = true;
+        return;
+    }
+    std::copy(r.next.begin(), r.next.end(), next);
+    if (u != r.input)
+        for (size_t i = 0; i < n; ++i)
+            next[i] += (u - r.input) * sys.b[i];
+    for (size_t c = 0; c < count; ++c) {
+        size_t k = changed[c];
+        double change = x[k] - r.state[k];
+        for (size_t i = 0; i < n; ++i)
+            next[i] += change * sys.a[i * n + k];
+    }
+}
+
 void evaluateNext(Block &block)
 {
     switch (block.type) {
@@ -289,7 +345,11 @@ void evaluateNext(Block &block)
     case BlockType::DiscreteTransferFunction:
     case BlockType::DiscreteStateSpace: {
         const LinearSystem &sys = block.linear;
-        linearDerivatives(sys.n, sys.a.data(), sys.b.data(), input(block, 0), block.state.data(), block.next.data());
+        if (linearReuse && sys.n >= LINEAR_REUSE_ORDER)
+            referencedDerivatives(block, input(block, 0));
+        else
+            linearDerivatives(sys.n, sys.a.data(), sys.b.data(), input(block, 0), block.state.data(),
+                              block.next.data());
         break;
     }
     case BlockType::UnitDelay:

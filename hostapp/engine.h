@@ -97,6 +97,13 @@ struct Block {
     SampledBlockRecord sampledRecord{}; /* kind record of kinds 82 and 83 */
     std::vector<double> state;          /* held states */
     std::vector<double> next;           /* derivatives (continuous) or next states (discrete) */
+    /* A large linear block's state, input and next values at its last full product, kept
+    ** while a Jacobian is taken (beginLinearReuse); valid is false otherwise. */
+    struct {
+        bool valid = false;
+        std::vector<double> state, next;
+        double input = 0.0;
+    } reference;
 
     std::vector<std::unique_ptr<Point>> inputs;
     std::vector<std::unique_ptr<Point>> outputs;
@@ -152,6 +159,13 @@ uint8_t blockKindCode(BlockType type);
 bool hasFeedthrough(const Block &block);    /* does an output depend on an input now */
 void evaluateOutput(Block &block, double time);
 void evaluateNext(Block &block);            /* derivatives or next states */
+/* While a Jacobian is taken, a linear block of LINEAR_REUSE_ORDER states or more whose
+** state and input differ from its reference in a few entries only gets its next values
+** from the reference's plus those entries' columns, O(n) instead of O(n^2). The end
+** drops the references of `blocks`. */
+inline constexpr int LINEAR_REUSE_ORDER = 16;
+void beginLinearReuse();
+void endLinearReuse(const std::vector<Block *> &blocks);
 /* num and den in descending powers (as MATLAB); false with a reason when den's leading
 ** coefficient is 0, num's degree exceeds den's, or dividing by den's leading coefficient
 ** overflows. */

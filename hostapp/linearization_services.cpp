@@ -338,6 +338,8 @@ void calcACMatrix(Matrix *A, Matrix *C, double *y, HostList *executionList, Host
     if (stateEntries->count < n || derivEntries->count < n + (uint32_t)std::max(M, 0) || C->rows * C->cols < n)
         return;
     std::vector<Block *> blocks = blocksOf(executionList);
+    beginLinearReuse();
+    executeBlocks(blocks, diagram->time);       /* the references at the operating point */
     for (uint32_t j = 0; j < n; ++j) {
         std::vector<EntryEstimate> entries(n + 1);
         differentiateState((double *)stateEntries->items[j], blocks, diagram->time, derivEntries, n, y, entries);
@@ -345,6 +347,7 @@ void calcACMatrix(Matrix *A, Matrix *C, double *y, HostList *executionList, Host
             A->data[j * n + i] = entries[i].value;
         C->data[j] = entries[n].value;
     }
+    endLinearReuse(blocks);
     executeBlocks(blocks, diagram->time);
     hostapp::host().linearizations++;
 }

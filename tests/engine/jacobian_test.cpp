@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <string>
+#include <vector>
 
 #include "hostapp/diagram.h"
 #include "linearize/linearize.h"
@@ -53,6 +54,51 @@ TEST(Jacobian, MatchesTheAnalyticDerivativesForStatesUpToAMillion)
             EXPECT_NEAR(stateSpaceModel.A->data[k], expected[k], 1e-9 * std::fabs(expected[k])) << "A element " << k;
         EXPECT_EQ(stateSpaceModel.C->data[0], 0.0);
         EXPECT_NEAR(stateSpaceModel.C->data[1], std::cos(x2), 1e-9 * std::fabs(std::cos(x2)));
+    }
+    hostapp::clearDiagram();
+}
+
+/* A state-space block of order 20 (large enough for the host to reuse its products at the
+** operating point) in a loop that feeds half its output back to its input, at nonzero
+** states: the linearized A is a - b c / 2, C is c. */
+TEST(Jacobian, LargeLinearBlockInAFeedbackLoopGivesItsClosedLoopMatrices)
+{
+    const int n = 20;
+    std::vector<double> a(n * n), b(n), c(n), initial(n);
+    auto eighths = [](int k) { return (double)(k % 17 - 8) / 8.0; };
+    std::string rows, text;
+    for (int i = 0; i < n; i++) {
+        std::string row;
+        for (int j = 0; j < n; j++) {
+            a[i * n + j] = eighths(7 * i + 3 * j + 1) - (i == j ? 4.0 : 0.0);
+            row += (j ? ", " : "") + std::to_string(a[i * n + j]);
+        }
+        rows += (i ? ", [" : "[") + row + "]";
+        b[i] = eighths(5 * i + 2), c[i] = eighths(3 * i + 11), initial[i] = eighths(11 * i + 4);
+    }
+    auto list = [](const std::vector<double> &v) {
+        std::string s;
+        for (double x : v)
+            s += (s.empty() ? "" : ", ") + std::to_string(x);
+        return "[" + s + "]";
+    };
+    testing_support::TempDir dir;
+    testing_support::startHostWithPlugin(dir.file("tervan.ini"), dir.path);
+    std::string error;
+    ASSERT_TRUE(hostapp::loadDiagramText(
+        R"({"blocks": [{"id": "r", "type": "step", "value": 1}, {"id": "e", "type": "sum", "signs": "+-"},
+            {"id": "p", "type": "stateSpace", "a": [)" + rows + "], \"b\": " + list(b) + ", \"c\": " + list(c) +
+            R"(, "d": 0, "initial": )" + list(initial) + R"(}, {"id": "k", "type": "gain", "gain": 0.5}],
+          "wires": [["r", "e.1"], ["e", "p"], ["p", "k"], ["k", "e.2"]],
+          "selection": ["e", "p", "k"], "input": "e.1", "output": "p.out"})",
+        "loop.json", error)) << error;
+    ASSERT_TRUE(hostapp::applyDiagramReferencePoints(error)) << error;
+    ASSERT_EQ(linearize(nullptr), 1);
+    ASSERT_EQ(stateSpaceModel.A->rows, (uint32_t)n);
+    for (int i = 0; i < n; i++) {
+        for (int j = 0; j < n; j++)     /* column-major */
+            EXPECT_NEAR(stateSpaceModel.A->data[j * n + i], a[i * n + j] - b[i] * c[j] / 2, 1e-12) << i << "," << j;
+        EXPECT_EQ(stateSpaceModel.C->data[i], c[i]) << i;
     }
     hostapp::clearDiagram();
 }
