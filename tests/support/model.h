@@ -92,9 +92,7 @@ inline Model *realization(std::mt19937_64 &rng, int n, int r, double cScale, boo
     std::vector<double> b0 = testing_support::randomMatrix(rng, n, 1), c0 = testing_support::randomMatrix(rng, n, 1);
     /* Orthonormal basis of the Krylov vectors, then c0 minus its projection on it. */
     std::vector<std::vector<double>> basis;
-    std::vector<double> v = b0;
-    for (int k = 0; k + 1 < r; k++) {
-        std::vector<double> w = v;
+    auto removeProjections = [&](std::vector<double> &w) {
         for (const auto &e : basis) {
             double dot = 0.0;
             for (int i = 0; i < n; i++)
@@ -102,6 +100,11 @@ inline Model *realization(std::mt19937_64 &rng, int n, int r, double cScale, boo
             for (int i = 0; i < n; i++)
                 w[i] -= dot * e[i];
         }
+    };
+    std::vector<double> v = b0;
+    for (int k = 0; k + 1 < r; k++) {
+        std::vector<double> w = v;
+        removeProjections(w);
         double norm = 0.0;
         for (double x : w)
             norm += x * x;
@@ -115,13 +118,7 @@ inline Model *realization(std::mt19937_64 &rng, int n, int r, double cScale, boo
         v = next;
     }
     for (int pass = 0; pass < 2; pass++)        /* twice, for an orthogonality to rounding */
-        for (const auto &e : basis) {
-            double dot = 0.0;
-            for (int i = 0; i < n; i++)
-                dot += c0[i] * e[i];
-            for (int i = 0; i < n; i++)
-                c0[i] -= dot * e[i];
-        }
+        removeProjections(c0);
     std::vector<double> q = randomOrthogonal(rng, n), a((size_t)n * n, 0.0), qa((size_t)n * n, 0.0),
                         b(n, 0.0), c(n, 0.0);
     for (int i = 0; i < n; i++)
